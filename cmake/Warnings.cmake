@@ -1,0 +1,16 @@
+# Warnings for our own targets. CI (the CI environment variable is set) turns them into errors.
+if(DEFINED ENV{CI})
+    set(_vantro_werror_default ON)
+else()
+    set(_vantro_werror_default OFF)
+endif()
+option(VANTRO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ${_vantro_werror_default})
+
+function(vantro_target_warnings target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow=local
+        -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Woverloaded-virtual
+        -Wnull-dereference -Wimplicit-fallthrough)
+    if(VANTRO_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+endfunction()
