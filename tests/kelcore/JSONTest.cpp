@@ -1,4 +1,7 @@
 #include <any>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -49,6 +52,19 @@ TEST(JSON, InvalidJSONThrowsAParseExceptionWithANegativeCode) {
 TEST(JSON, InvalidUTF8AndVeryDeepNestingAreRefused) {
     EXPECT_THROW(JSONParse("\"\xC3\x28\""), parse_exception);
     EXPECT_THROW(JSONParse(std::string(1000, '[') + std::string(1000, ']')), parse_exception);
+}
+
+TEST(JSON, NumbersBeyondTheRangeOfADoubleAreRefused) {
+    EXPECT_THROW(JSONParse("[99000000000000e0365627902]"), parse_exception);
+    EXPECT_THROW(JSONParse(R"({"a":{"b":-1e999}})"), parse_exception);
+    EXPECT_EQ(std::any_cast<double>(JSONParse("1e-999")), 0.0);
+}
+
+TEST(JSON, GetJSONStringRefusesNumbersThatJSONCannotExpress) {
+    JSONObject object;
+    object.emplace("n", std::numeric_limits<double>::infinity());
+    EXPECT_THROW(GetJSONString(object), std::domain_error);
+    EXPECT_THROW(GetJSONString(std::any(std::nan(""))), std::domain_error);
 }
 
 TEST(JSON, AnArrayAnswersBadAnyCastWhenTakenAsAnObject) {

@@ -1,5 +1,9 @@
 #include <kelcore/serialization/JSON.h>
 
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
@@ -28,6 +32,41 @@ std::any ToAny(boost::json::value&& value) {
             break;
     }
     return JSONObject(std::move(value.get_object()));
+}
+
+// The parser reads an out-of-range number as infinity, and the serialiser would write that
+// as "Infinity", which no JSON parser accepts.
+bool HasNonFiniteNumber(const boost::json::value& value);
+
+bool HasNonFiniteNumber(const JSONArray& array) {
+    return std::any_of(array.begin(), array.end(),
+                       [](const auto& element) { return HasNonFiniteNumber(element); });
+}
+
+bool HasNonFiniteNumber(const JSONObject& object) {
+    return std::any_of(object.begin(), object.end(),
+                       [](const auto& member) { return HasNonFiniteNumber(member.value()); });
+}
+
+bool HasNonFiniteNumber(const boost::json::value& value) {
+    switch (value.kind()) {
+        case boost::json::kind::double_:
+            return !std::isfinite(value.get_double());
+        case boost::json::kind::array:
+            return HasNonFiniteNumber(value.get_array());
+        case boost::json::kind::object:
+            return HasNonFiniteNumber(value.get_object());
+        default:
+            return false;
+    }
+}
+
+template <class T>
+std::string Serialize(const T& value) {
+    if (HasNonFiniteNumber(value)) {
+        throw std::domain_error("JSON cannot express an infinite or NaN number");
+    }
+    return boost::json::serialize(value);
 }
 
 bool IsJSONWhitespace(char c) {
@@ -62,6 +101,9 @@ std::any JSONParse(std::string_view text) {
     if (error) {
         throw parse_exception("Invalid JSON: " + error.message());
     }
+    if (HasNonFiniteNumber(value)) {
+        throw parse_exception("Invalid JSON: a number is out of range");
+    }
     return ToAny(std::move(value));
 }
 
@@ -70,16 +112,16 @@ std::string GetJSONString(const std::any& value) {
         return "null";
     }
     if (const auto* object = std::any_cast<JSONObject>(&value)) {
-        return boost::json::serialize(*object);
+        return Serialize(*object);
     }
     if (const auto* array = std::any_cast<JSONArray>(&value)) {
-        return boost::json::serialize(*array);
+        return Serialize(*array);
     }
     if (const auto* text = std::any_cast<std::string>(&value)) {
         return boost::json::serialize(boost::json::value(std::string_view(*text)));
     }
     if (const auto* number = std::any_cast<double>(&value)) {
-        return boost::json::serialize(boost::json::value(*number));
+        return Serialize(boost::json::value(*number));
     }
     if (const auto* integer = std::any_cast<std::int64_t>(&value)) {
         return boost::json::serialize(boost::json::value(*integer));
@@ -88,7 +130,7 @@ std::string GetJSONString(const std::any& value) {
         return *flag ? "true" : "false";
     }
     if (const auto* any = std::any_cast<boost::json::value>(&value)) {
-        return boost::json::serialize(*any);
+        return Serialize(*any);
     }
     throw std::bad_any_cast();
 }

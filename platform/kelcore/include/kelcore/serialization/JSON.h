@@ -2,8 +2,10 @@
 //   object -> JSONObject (members keep their order), array -> JSONArray, string -> std::string
 //   (UTF-8), integer -> std::int64_t (an integer beyond its range -> double), other number ->
 //   double, true/false -> bool; null, and text that is empty or only whitespace -> an EMPTY any.
-// Callers take an object with std::any_cast<const JSONObject&>, which throws std::bad_any_cast
-// for any other kind; that is meant. Everything here is stateless: any thread.
+// A number too large for a double is refused rather than read as infinity, and Boost.JSON
+// 1.81 does not round every decimal correctly, so a double may differ in its last bit from
+// what strtod gives. Callers take an object with std::any_cast<const JSONObject&>, which
+// throws std::bad_any_cast for any other kind; that is meant. Stateless: any thread.
 //
 //   std::any document = JSONParse(R"({"preset_name":"H.264"})");
 //   std::string name = GetVariantInObject<std::string>(document, "preset_name");
@@ -27,12 +29,14 @@ using JSONObject = boost::json::object;
 using JSONArray = boost::json::array;
 
 /// Parses `text` as one JSON document (strict: no comments, no trailing commas, valid UTF-8,
-/// at most 32 levels deep). Throws parse_exception when it is not valid JSON. Any thread.
+/// at most 32 levels deep). Throws parse_exception when it is not valid JSON or holds a number
+/// beyond the range of a double. Any thread.
 std::any JSONParse(std::string_view text);
 
 /// Serialises a std::any of the kinds JSONParse answers (an empty one as null) as compact JSON,
 /// object members in their order, UTF-8 as it stands. Throws std::bad_any_cast for any other
-/// content. Any thread.
+/// content and std::domain_error for an infinite or NaN number, which JSON cannot express.
+/// Any thread.
 std::string GetJSONString(const std::any& value);
 
 template <class T>
