@@ -54,7 +54,7 @@ struct Localizer::State {
     std::unordered_map<std::string, std::string, StringHash, std::equal_to<>> overrides;
 };
 
-Localizer::Localizer() : state(new State) {}
+Localizer::Localizer() : state(std::make_unique<State>()) {}
 Localizer::~Localizer() = default;
 
 Localizer& Localizer::Get() {

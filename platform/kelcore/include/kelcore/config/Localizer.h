@@ -7,6 +7,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -37,7 +38,7 @@ private:
     Localizer();
     ~Localizer();
     struct State;
-    State* state;  // owned; never freed before exit, so static destructors may still localise
+    std::unique_ptr<State> state;
 };
 
 }  // namespace kelcore::config
