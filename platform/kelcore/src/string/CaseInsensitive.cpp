@@ -56,6 +56,13 @@ bool CaseInsensitive::NaturalStringLessThan(string_view a, string_view b) noexce
     // only when the names are otherwise equal.
     int leadingZerosOrder = 0;
     while (i < a.size() && j < b.size()) {
+        // Shared prefixes are common among names; equal units outside digit runs and surrogate
+        // pairs fold alike, so they need no folding.
+        if (a[i] == b[j] && !IsDigit(a[i]) && (a[i] < 0xD800 || a[i] > 0xDFFF)) {
+            ++i;
+            ++j;
+            continue;
+        }
         if (IsDigit(a[i]) && IsDigit(b[j])) {
             const std::size_t aSignificant = SkipWhile(a, i, [](char16_t u) { return u == u'0'; });
             const std::size_t bSignificant = SkipWhile(b, j, [](char16_t u) { return u == u'0'; });
