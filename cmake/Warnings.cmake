@@ -7,7 +7,14 @@ endif()
 option(VANTRO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ${_vantro_werror_default})
 
 function(vantro_target_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow=local
+    # Constructor parameters named after members are our convention: warn on local shadowing
+    # only (clang's -Wshadow already leaves constructor parameters alone).
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        set(shadow -Wshadow=local)
+    else()
+        set(shadow -Wshadow)
+    endif()
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic ${shadow}
         -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Woverloaded-virtual
         -Wnull-dereference -Wimplicit-fallthrough)
     if(VANTRO_WARNINGS_AS_ERRORS)
