@@ -144,8 +144,8 @@ TEST(Future, EmptyFutureReadsAsCancelledAndNeverCallsItsContinuation) {
 }
 
 TEST(Future, FailedFuturesGiveNegativeCodes) {
-    const auto kelFailure = MakeFailedFuture<int>(
-        std::make_exception_ptr(kel_exception("expired folder pointer", MakeResultCode(0xA00F000D))));
+    const auto kelFailure = MakeFailedFuture<int>(std::make_exception_ptr(
+        kel_exception("expired folder pointer", MakeResultCode(0xA00F000D))));
     const auto stdFailure =
         MakeFailedFuture<int>(std::make_exception_ptr(std::runtime_error("boom")));
     const auto allocFailure = MakeFailedFuture<void>(std::make_exception_ptr(std::bad_alloc()));
@@ -161,8 +161,8 @@ TEST(Future, FailedFuturesGiveNegativeCodes) {
 }
 
 TEST(Future, GetRethrowsTheStoredException) {
-    const auto future = MakeFailedFuture<int>(
-        std::make_exception_ptr(kel_exception("expired folder pointer", MakeResultCode(0xA00F000D))));
+    const auto future = MakeFailedFuture<int>(std::make_exception_ptr(
+        kel_exception("expired folder pointer", MakeResultCode(0xA00F000D))));
     try {
         future.Get();
         FAIL() << "Get did not throw";
@@ -210,6 +210,16 @@ TEST(Future, ResultOfThenCarriesTheExecutorUsed) {
     EXPECT_EQ(MakeReadyFuture(1).GetExecutor(), nullptr);
 }
 
+TEST(Future, FutureObservesItsExecutorWithoutKeepingItAlive) {
+    auto executor = MakeManualExecutor();
+    Promise<int> promise(executor);
+    auto future = promise.GetFuture();
+    std::weak_ptr<ManualExecutor> watch = executor;
+    executor.reset();
+    EXPECT_TRUE(watch.expired());
+    EXPECT_EQ(future.GetExecutor(), nullptr);
+}
+
 TEST(Future, ContinuationWithoutAnExecutorRunsInlineWhenReady) {
     const auto attacher = std::this_thread::get_id();
     std::thread::id ranOn;
@@ -225,7 +235,8 @@ TEST(Future, ContinuationWithoutAnExecutorRunsInlineWhenReady) {
 TEST(Future, ContinuationWithoutAnExecutorRunsOnTheCompletingThread) {
     Promise<int> promise;
     std::thread::id ranOn;
-    auto next = promise.GetFuture().Then([&](const Future<int>&) { ranOn = std::this_thread::get_id(); });
+    auto next =
+        promise.GetFuture().Then([&](const Future<int>&) { ranOn = std::this_thread::get_id(); });
     EXPECT_FALSE(next.IsReady());
     std::thread::id completer;
     std::thread([&] {
@@ -261,10 +272,11 @@ TEST(Future, VoidFuturesCompleteAndChain) {
     Promise<void> promise;
     auto future = promise.GetFuture();
     int steps = 0;
-    auto end = future.Then([&](const Future<void>& f) {
-                         f.Get();
-                         ++steps;
-                     })
+    auto end = future
+                   .Then([&](const Future<void>& f) {
+                       f.Get();
+                       ++steps;
+                   })
                    .Then([&](const Future<void>&) { return ++steps; });
     EXPECT_EQ(ExtractResultFromException(future), kelcore::config::kResultFutureNotReady);
     promise.SetValue();
@@ -336,7 +348,8 @@ TEST(Future, ContinuationDroppedByItsExecutorCancelsItsResult) {
 TEST(Future, ContinuationsOnARealPoolRunOffTheAttachingThread) {
     auto pool = std::make_shared<kelcore::threads::ThreadPoolExecutor>(2);
     std::promise<std::thread::id> ranOn;
-    MakeReadyFuture(1).Then(pool, [&](const Future<int>&) { ranOn.set_value(std::this_thread::get_id()); });
+    MakeReadyFuture(1).Then(
+        pool, [&](const Future<int>&) { ranOn.set_value(std::this_thread::get_id()); });
     auto ranOnFuture = ranOn.get_future();
     ASSERT_EQ(ranOnFuture.wait_for(std::chrono::seconds(30)), std::future_status::ready);
     EXPECT_NE(ranOnFuture.get(), std::this_thread::get_id());
@@ -372,7 +385,8 @@ TEST(Future, EightThreadsCompletingAndAttachingRunEachContinuationExactlyOnce) {
             for (int i = 0; i < kFutures; ++i) {
                 const int base = (i * kAttachers + a) * 4;
                 futures[i].Then([&, base, i](const Future<int>& f) { count(base, f, i); });
-                futures[i].Then(pool, [&, base, i](const Future<int>& f) { count(base + 1, f, i); });
+                futures[i].Then(pool,
+                                [&, base, i](const Future<int>& f) { count(base + 1, f, i); });
                 futures[i].Then([&, base, i](const Future<int>& f) {
                     count(base + 2, f, i);
                     f.Then(pool, [&, base, i](const Future<int>& g) { count(base + 3, g, i); });

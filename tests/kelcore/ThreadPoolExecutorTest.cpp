@@ -147,6 +147,27 @@ TEST(ThreadPoolExecutor, DroppingTheLastReferenceFromItsOwnTaskDoesNotDeadlock) 
     EXPECT_EQ(dropped.get_future().wait_for(kPatience), std::future_status::ready);
 }
 
+TEST(ThreadPoolExecutor, DroppingTheLastReferenceWithAFinishedTasksClosureIsSafe) {
+    // The closure outlives the task body: it is destroyed by the worker's run loop afterwards.
+    struct LastHolder {
+        std::shared_ptr<ThreadPoolExecutor> pool;
+        std::promise<void>* released;
+        ~LastHolder() {
+            pool.reset();
+            released->set_value();
+        }
+    };
+    std::promise<void> released;
+    auto pool = std::make_shared<ThreadPoolExecutor>(2);
+    auto holder = std::make_shared<LastHolder>(pool, &released);
+    pool.reset();
+    std::promise<void> ran;
+    auto ranSignal = ran.get_future();
+    holder->pool->Post([holder = std::move(holder), &ran] { ran.set_value(); });
+    ASSERT_EQ(ranSignal.wait_for(kPatience), std::future_status::ready);
+    EXPECT_EQ(released.get_future().wait_for(kPatience), std::future_status::ready);
+}
+
 TEST(Executors, ProcessPoolsRunPostedAndDelayedTasks) {
     auto io = kelcore::threads::GetIOBoundExecutor();
     auto cpu = kelcore::threads::GetDefaultExecutor();

@@ -131,15 +131,25 @@ TEST(VirtualTime, AContinuationPostedByADelayedTaskRunsInTheSameAdvance) {
     int seen = 0;
     promise.GetFuture().Then(GetDefaultExecutor(),
                              [&](const kelcore::async::Future<int>& f) { seen = f.Get(); });
-    GetIOBoundExecutor()->PostAfterDelay(
-        [promise = std::make_shared<kelcore::async::Promise<int>>(std::move(promise))] {
-            promise->SetValue(60);
-        },
-        60000);
+    GetIOBoundExecutor()->PostAfterDelay([promise = std::make_shared<kelcore::async::Promise<int>>(
+                                              std::move(promise))] { promise->SetValue(60); },
+                                         60000);
     time.AdvanceBy(59s);
     EXPECT_EQ(seen, 0);
     time.AdvanceBy(1s);
     EXPECT_EQ(seen, 60);
+}
+
+TEST(VirtualTime, EndingDropsWaitingTasksAndCancelsTheirFutures) {
+    kelcore::async::Future<int> future;
+    {
+        VirtualTime time;
+        auto promise = std::make_shared<kelcore::async::Promise<int>>(GetIOBoundExecutor());
+        future = promise->GetFuture();
+        GetIOBoundExecutor()->PostAfterDelay([promise] { promise->SetValue(1); }, 10'000);
+    }
+    EXPECT_EQ(kelcore::config::ExtractResultFromException(future),
+              kelcore::config::kResultFutureCancelled);
 }
 
 }  // namespace

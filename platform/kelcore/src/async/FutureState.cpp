@@ -13,8 +13,8 @@ bool FutureStateBase::IsReady() const {
 bool FutureStateBase::SetException(std::exception_ptr exception) {
     if (!exception) {
         // A failure must carry something that reads as a failure code.
-        exception = std::make_exception_ptr(
-            config::kel_exception("Future: failed without an exception", config::kResultUnknownFailure));
+        exception = std::make_exception_ptr(config::kel_exception(
+            "Future: failed without an exception", config::kResultUnknownFailure));
     }
     auto lock = LockIfPending();
     if (!lock.owns_lock()) {

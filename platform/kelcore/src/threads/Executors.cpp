@@ -27,7 +27,9 @@ ExecutorSlots& Slots() {
     return *slots;
 }
 
-std::size_t Cores() { return std::max(1u, std::thread::hardware_concurrency()); }
+std::size_t Cores() {
+    return std::max(1u, std::thread::hardware_concurrency());
+}
 
 void ShutDownPoolsAtExit() {
     std::shared_ptr<ThreadPoolExecutor> defaultPool;
@@ -47,9 +49,9 @@ void ShutDownPoolsAtExit() {
     }
 }
 
-std::shared_ptr<AsyncExecutor> PoolOrOverride(std::shared_ptr<AsyncExecutor> ExecutorSlots::*slot,
-                                              std::shared_ptr<ThreadPoolExecutor> ExecutorSlots::*pool,
-                                              std::size_t threadCount) {
+std::shared_ptr<AsyncExecutor> PoolOrOverride(
+    std::shared_ptr<AsyncExecutor> ExecutorSlots::*slot,
+    std::shared_ptr<ThreadPoolExecutor> ExecutorSlots::*pool, std::size_t threadCount) {
     auto& slots = Slots();
     std::lock_guard lock(slots.mutex);
     if (slots.*slot) {

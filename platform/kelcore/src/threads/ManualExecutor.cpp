@@ -7,12 +7,31 @@ namespace kelcore::threads {
 
 ManualExecutor::ManualExecutor(std::shared_ptr<ManualClock> clock) : clock(std::move(clock)) {}
 
-void ManualExecutor::Post(std::function<void()> task) { PostAfterDelay(std::move(task), 0); }
+ManualExecutor::~ManualExecutor() {
+    Shutdown();
+}
+
+void ManualExecutor::Shutdown() {
+    std::multimap<Clock::TimePoint, std::function<void()>> dropped;
+    {
+        std::lock_guard lock(mutex);
+        stopped = true;
+        dropped.swap(tasks);
+    }
+    // Destroyed outside the lock: a dropped promise cancels its future, whose continuations
+    // may post here again (and are dropped).
+}
+
+void ManualExecutor::Post(std::function<void()> task) {
+    PostAfterDelay(std::move(task), 0);
+}
 
 void ManualExecutor::PostAfterDelay(std::function<void()> task, std::uint64_t delayMilliseconds) {
     const auto due = clock->Now() + std::chrono::milliseconds(delayMilliseconds);
     std::lock_guard lock(mutex);
-    tasks.emplace(due, std::move(task));
+    if (!stopped) {
+        tasks.emplace(due, std::move(task));
+    }
 }
 
 std::size_t ManualExecutor::AdvanceBy(std::chrono::steady_clock::duration duration) {
@@ -37,7 +56,9 @@ std::size_t ManualExecutor::AdvanceBy(std::chrono::steady_clock::duration durati
     return count;
 }
 
-std::size_t ManualExecutor::RunUntilIdle() { return AdvanceBy(std::chrono::steady_clock::duration::zero()); }
+std::size_t ManualExecutor::RunUntilIdle() {
+    return AdvanceBy(std::chrono::steady_clock::duration::zero());
+}
 
 std::size_t ManualExecutor::PendingCount() const {
     std::lock_guard lock(mutex);
@@ -49,7 +70,8 @@ std::chrono::steady_clock::duration ManualExecutor::TimeToNextTask() const {
     if (tasks.empty()) {
         return std::chrono::steady_clock::duration::max();
     }
-    return std::max(tasks.begin()->first - clock->Now(), std::chrono::steady_clock::duration::zero());
+    return std::max(tasks.begin()->first - clock->Now(),
+                    std::chrono::steady_clock::duration::zero());
 }
 
 }  // namespace kelcore::threads

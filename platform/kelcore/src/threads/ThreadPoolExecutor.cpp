@@ -3,23 +3,26 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <exception>
 #include <list>
 #include <mutex>
 #include <thread>
 #include <utility>
+#include <vector>
 
+#include <spdlog/spdlog.h>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/thread_pool.hpp>
-#include <spdlog/spdlog.h>
 
 namespace kelcore::threads {
 namespace detail {
 
 class ThreadPoolCore {
 public:
-    explicit ThreadPoolCore(std::size_t threadCount) : threadCount(threadCount), pool(threadCount) {}
+    explicit ThreadPoolCore(std::size_t threadCount)
+        : threadCount(threadCount), pool(threadCount) {}
 
     ~ThreadPoolCore() {
         // Timers go before the pool, whose destruction frees their cancelled waits.
@@ -31,7 +34,7 @@ public:
         if (stopped.load()) {
             return;
         }
-        boost::asio::post(pool, [this, task = std::move(task)] { Run(task); });
+        boost::asio::post(pool, [task = std::move(task)] { Run(task); });
     }
 
     void PostAfterDelay(std::function<void()> task, std::uint64_t delayMilliseconds) {
@@ -76,13 +79,14 @@ public:
         }
     }
 
-    bool RunsTasksOnCurrentThread() const { return sCurrent == this; }
+    // True anywhere inside a worker's run loop, including while a finished task's closure is
+    // destroyed, which may drop the last reference to the pool.
+    bool RunsTasksOnCurrentThread() { return pool.get_executor().running_in_this_thread(); }
 
     const std::size_t threadCount;
 
 private:
-    void Run(const std::function<void()>& task) {
-        const ThreadPoolCore* outer = std::exchange(sCurrent, this);
+    static void Run(const std::function<void()>& task) {
         try {
             task();
         } catch (const std::exception& error) {
@@ -90,10 +94,7 @@ private:
         } catch (...) {
             spdlog::error("kelcore: a pool task threw a non-standard exception");
         }
-        sCurrent = outer;
     }
-
-    static thread_local const ThreadPoolCore* sCurrent;
 
     std::atomic<bool> stopped{false};
     boost::asio::thread_pool pool;
@@ -101,9 +102,48 @@ private:
     std::list<boost::asio::steady_timer> timers;
 };
 
-thread_local const ThreadPoolCore* ThreadPoolCore::sCurrent = nullptr;
-
 }  // namespace detail
+
+namespace {
+
+// Frees pools whose last reference went on one of their own workers. A worker cannot wait for
+// itself, so a helper thread waits for the workers and frees the pool; the helpers are joined
+// at exit, because a pool worker still running then would outlive the statics it uses.
+class PoolReaper {
+public:
+    static PoolReaper& Get() {
+        // Leaked on purpose: its exit hook runs while static destructors may still be queued.
+        static auto* reaper = new PoolReaper;
+        return *reaper;
+    }
+
+    void Reap(std::shared_ptr<detail::ThreadPoolCore> orphan) {
+        std::lock_guard lock(mutex);
+        if (!exitHookInstalled) {
+            std::atexit([] { Get().JoinAll(); });
+            exitHookInstalled = true;
+        }
+        helpers.emplace_back([orphan = std::move(orphan)]() mutable { orphan.reset(); });
+    }
+
+private:
+    void JoinAll() {
+        std::vector<std::thread> waiting;
+        {
+            std::lock_guard lock(mutex);
+            waiting.swap(helpers);
+        }
+        for (auto& helper : waiting) {
+            helper.join();
+        }
+    }
+
+    std::mutex mutex;
+    std::vector<std::thread> helpers;
+    bool exitHookInstalled = false;
+};
+
+}  // namespace
 
 ThreadPoolExecutor::ThreadPoolExecutor(std::size_t threadCount)
     : core(std::make_shared<detail::ThreadPoolCore>(std::max<std::size_t>(threadCount, 1))) {}
@@ -111,25 +151,30 @@ ThreadPoolExecutor::ThreadPoolExecutor(std::size_t threadCount)
 ThreadPoolExecutor::~ThreadPoolExecutor() {
     core->Shutdown();
     if (core->RunsTasksOnCurrentThread()) {
-        // Dropped by one of its own tasks: the worker is still inside the pool, so the core
-        // must outlive this frame. A detached thread waits for the workers and frees it.
-        std::thread([orphan = std::move(core)]() mutable { orphan.reset(); }).detach();
+        // This worker is still inside the pool's run loop, so the pool must outlive this frame.
+        PoolReaper::Get().Reap(std::move(core));
     }
 }
 
-void ThreadPoolExecutor::Post(std::function<void()> task) { core->Post(std::move(task)); }
+void ThreadPoolExecutor::Post(std::function<void()> task) {
+    core->Post(std::move(task));
+}
 
 void ThreadPoolExecutor::PostAfterDelay(std::function<void()> task,
                                         std::uint64_t delayMilliseconds) {
     core->PostAfterDelay(std::move(task), delayMilliseconds);
 }
 
-void ThreadPoolExecutor::Shutdown() { core->Shutdown(); }
+void ThreadPoolExecutor::Shutdown() {
+    core->Shutdown();
+}
 
 bool ThreadPoolExecutor::RunsTasksOnCurrentThread() const {
     return core->RunsTasksOnCurrentThread();
 }
 
-std::size_t ThreadPoolExecutor::ThreadCount() const { return core->threadCount; }
+std::size_t ThreadPoolExecutor::ThreadCount() const {
+    return core->threadCount;
+}
 
 }  // namespace kelcore::threads

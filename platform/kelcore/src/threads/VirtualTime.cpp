@@ -15,6 +15,9 @@ VirtualTime::~VirtualTime() {
     SetIOBoundExecutor(std::move(previousIOBound));
     SetDefaultExecutor(std::move(previousDefault));
     SetClock(std::move(previousClock));
+    // Work still waiting would never run; dropping it frees what it holds and cancels its
+    // futures, instead of leaving them to whoever still holds the executor.
+    executor->Shutdown();
 }
 
 }  // namespace kelcore::threads

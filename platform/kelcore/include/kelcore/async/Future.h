@@ -96,7 +96,8 @@ public:
         }
     }
 
-    /// Any thread. The executor given to the promise, or null.
+    /// Any thread. The executor given to the promise, or null (also once that executor is
+    /// gone: the future observes it and does not keep it alive).
     std::shared_ptr<threads::AsyncExecutor> GetExecutor() const {
         return state ? state->GetExecutor() : nullptr;
     }
@@ -150,20 +151,19 @@ Future<detail::ContinuationResult<T, std::decay_t<F>>> Future<T>::Then(
         job.reset();  // its promise cancels the result
         return result;
     }
-    state->AddContinuation(
-        [executor = std::move(executor),
-         job = std::move(job)](const std::shared_ptr<detail::FutureStateBase>& completed) {
-            Future<T> future(std::static_pointer_cast<detail::FutureState<T>>(completed));
-            if (!executor) {
-                job->Run(future);
-                return;
-            }
-            try {
-                executor->Post([job, future = std::move(future)] { job->Run(future); });
-            } catch (...) {
-                job->next.SetException(std::current_exception());
-            }
-        });
+    state->AddContinuation([executor = std::move(executor), job = std::move(job)](
+                               const std::shared_ptr<detail::FutureStateBase>& completed) {
+        Future<T> future(std::static_pointer_cast<detail::FutureState<T>>(completed));
+        if (!executor) {
+            job->Run(future);
+            return;
+        }
+        try {
+            executor->Post([job, future = std::move(future)] { job->Run(future); });
+        } catch (...) {
+            job->next.SetException(std::current_exception());
+        }
+    });
     return result;
 }
 

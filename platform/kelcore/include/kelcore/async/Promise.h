@@ -1,6 +1,7 @@
 // The producing end of a Future: whoever does the work holds the Promise (move-only; shared
-// when a copyable closure must carry it) and completes it once, from any thread. A promise destroyed before it completed
-// cancels its future, so a continuation is never left waiting for good.
+// when a copyable closure must carry it) and completes it once, from any thread. A promise
+// destroyed before it completed cancels its future, so a continuation is never left waiting for
+// good.
 //
 //   auto promise = std::make_shared<Promise<int>>(kelcore::async::GetDefaultExecutor());
 //   auto future = promise->GetFuture();

@@ -24,9 +24,13 @@ class ManualExecutor final : public AsyncExecutor {
 public:
     explicit ManualExecutor(std::shared_ptr<ManualClock> clock);
 
-    /// Any thread. Due at the clock's present reading.
+    /// Drops every waiting task, and every task posted from now on.
+    ~ManualExecutor() override;
+
+    /// Any thread. Due at the clock's present reading. Does nothing after Shutdown.
     void Post(std::function<void()> task) override;
-    /// Any thread. Due `delayMilliseconds` after the clock's present reading.
+    /// Any thread. Due `delayMilliseconds` after the clock's present reading. Does nothing
+    /// after Shutdown.
     void PostAfterDelay(std::function<void()> task, std::uint64_t delayMilliseconds) override;
 
     /// Moves the clock forward by `duration`, running on this thread each task that falls due
@@ -36,6 +40,11 @@ public:
     std::size_t AdvanceBy(std::chrono::steady_clock::duration duration);
     /// Runs the tasks due now, including tasks that they post for now. Returns the count.
     std::size_t RunUntilIdle();
+
+    /// Any thread. Drops the waiting tasks, and those that their destruction posts, and makes
+    /// later posts do nothing. Tasks may own futures whose state refers back to this executor;
+    /// dropping them breaks that cycle. Does nothing the second time.
+    void Shutdown();
 
     /// Any thread. Tasks waiting, due or not.
     std::size_t PendingCount() const;
@@ -50,6 +59,7 @@ private:
     mutable std::mutex mutex;
     // A multimap keeps equal keys in insertion order, which gives post order at equal times.
     std::multimap<Clock::TimePoint, std::function<void()>> tasks;
+    bool stopped = false;
 };
 
 }  // namespace kelcore::threads

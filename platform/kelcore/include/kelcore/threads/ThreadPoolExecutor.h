@@ -23,7 +23,9 @@ class ThreadPoolExecutor final : public AsyncExecutor {
 public:
     /// Starts `threadCount` workers (at least one).
     explicit ThreadPoolExecutor(std::size_t threadCount);
-    /// Shuts down; see Shutdown.
+    /// Shuts down; see Shutdown. May run on one of its own workers (a task held the last
+    /// reference): the workers are then waited for, and freed, by a helper thread that is joined
+    /// at exit at the latest.
     ~ThreadPoolExecutor() override;
 
     ThreadPoolExecutor(const ThreadPoolExecutor&) = delete;
@@ -35,11 +37,11 @@ public:
     void PostAfterDelay(std::function<void()> task, std::uint64_t delayMilliseconds) override;
 
     /// Any thread. Drops tasks not yet started and every later post, then waits for running
-    /// tasks to end. Called from one of its own tasks it does not wait for the workers, which
-    /// finish once that task returns. Does nothing the second time.
+    /// tasks to end. Called on one of its own workers it does not wait for them; they finish
+    /// once their tasks return. Does nothing the second time.
     void Shutdown();
 
-    /// Any thread. Whether the caller is one of this pool's workers, inside a task.
+    /// Any thread. Whether the caller is one of this pool's workers.
     bool RunsTasksOnCurrentThread() const;
 
     /// Any thread. The number of worker threads.

@@ -1,7 +1,8 @@
 // Virtual time for tests. While one lives, threads::Now() reads a manual clock and both
 // GetDefaultExecutor and GetIOBoundExecutor answer one manual executor, so delayed work runs
 // only when the test advances time, instantly and in due-time order, on the test's thread.
-// The destructor puts back what was installed before. Owned by the test, on its thread.
+// The destructor puts back what was installed before and drops the tasks still waiting.
+// Owned by the test, on its thread.
 //
 //   kelcore::threads::VirtualTime time;
 //   queue->Start();                            // posts to GetIOBoundExecutor()

@@ -34,8 +34,9 @@ public:
     FutureStateBase(const FutureStateBase&) = delete;
     FutureStateBase& operator=(const FutureStateBase&) = delete;
 
-    /// Any thread. Set at construction and never changed, so read without the lock.
-    const std::shared_ptr<threads::AsyncExecutor>& GetExecutor() const { return executor; }
+    /// Any thread. The executor given at construction while it still exists, else null. Set
+    /// once, so read without the lock.
+    std::shared_ptr<threads::AsyncExecutor> GetExecutor() const { return executor.lock(); }
 
     /// Any thread. Whether a value, a failure or a cancellation has arrived.
     bool IsReady() const;
@@ -63,7 +64,9 @@ protected:
     void Finish(std::unique_lock<std::mutex> lock, Status outcome);
 
 private:
-    const std::shared_ptr<threads::AsyncExecutor> executor;
+    // Observed, not owned: a pending task of that executor may own this state, and an owning
+    // link back would keep both alive for good.
+    const std::weak_ptr<threads::AsyncExecutor> executor;
     mutable std::mutex mutex;
     Status status = Status::Pending;
     std::exception_ptr error;
