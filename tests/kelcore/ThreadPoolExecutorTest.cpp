@@ -136,19 +136,22 @@ TEST(ThreadPoolExecutor, ShutdownDropsPendingDelayedTasksAndWaitsForTheRunningOn
 
 TEST(ThreadPoolExecutor, DroppingTheLastReferenceFromItsOwnTaskDoesNotDeadlock) {
     auto pool = std::make_shared<ThreadPoolExecutor>(1);
-    std::promise<void> dropped;
     auto holder = std::make_shared<std::shared_ptr<ThreadPoolExecutor>>(pool);
-    pool->Post([holder, &dropped] {
-        holder->reset();  // the last reference: the pool is destroyed on its own worker
+    std::promise<void> othersDropped;
+    std::promise<void> dropped;
+    pool->Post([holder, gate = othersDropped.get_future().share(), &dropped] {
+        gate.wait();
+        holder->reset();  // the last reference: the pool is freed on its own worker
         dropped.set_value();
     });
     pool.reset();
     holder.reset();
+    othersDropped.set_value();
     EXPECT_EQ(dropped.get_future().wait_for(kPatience), std::future_status::ready);
 }
 
 TEST(ThreadPoolExecutor, DroppingTheLastReferenceWithAFinishedTasksClosureIsSafe) {
-    // The closure outlives the task body: it is destroyed by the worker's run loop afterwards.
+    // The closure outlives the task body: the worker's run loop destroys it afterwards.
     struct LastHolder {
         std::shared_ptr<ThreadPoolExecutor> pool;
         std::promise<void>* released;
@@ -158,13 +161,12 @@ TEST(ThreadPoolExecutor, DroppingTheLastReferenceWithAFinishedTasksClosureIsSafe
         }
     };
     std::promise<void> released;
+    std::promise<void> othersDropped;
     auto pool = std::make_shared<ThreadPoolExecutor>(2);
-    auto holder = std::make_shared<LastHolder>(pool, &released);
+    pool->Post([holder = std::make_shared<LastHolder>(pool, &released),
+                gate = othersDropped.get_future().share()] { gate.wait(); });
     pool.reset();
-    std::promise<void> ran;
-    auto ranSignal = ran.get_future();
-    holder->pool->Post([holder = std::move(holder), &ran] { ran.set_value(); });
-    ASSERT_EQ(ranSignal.wait_for(kPatience), std::future_status::ready);
+    othersDropped.set_value();
     EXPECT_EQ(released.get_future().wait_for(kPatience), std::future_status::ready);
 }
 
