@@ -33,7 +33,9 @@ std::shared_ptr<MainThreadQueue> DefaultQueuePointer() {
 
 }  // namespace
 
-void SetMainThread() { MainThreadID().store(std::this_thread::get_id()); }
+void SetMainThread() {
+    MainThreadID().store(std::this_thread::get_id());
+}
 
 bool CurrentThreadIsMainThread() {
     return MainThreadID().load(std::memory_order_relaxed) == std::this_thread::get_id();
@@ -56,7 +58,9 @@ std::shared_ptr<MainThreadDispatcherBase> GetMainThreadDispatcher() {
     return DefaultQueuePointer();
 }
 
-MainThreadQueue& DefaultMainThreadQueue() { return *DefaultQueuePointer(); }
+MainThreadQueue& DefaultMainThreadQueue() {
+    return *DefaultQueuePointer();
+}
 
 void AsyncCallFromMainThread(std::function<void()> fn, [[maybe_unused]] int reserved) {
     assert(reserved == 0);

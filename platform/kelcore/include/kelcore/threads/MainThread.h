@@ -3,7 +3,8 @@
 // dispatcher; by default that is a process-wide MainThreadQueue (DefaultMainThreadQueue) which
 // the host pumps.
 //
-//   kelcore::threads::AsyncCallFromMainThread([weak] { if (auto self = weak.lock()) self->Show(); }, 0);
+//   kelcore::threads::AsyncCallFromMainThread([weak] { if (auto self = weak.lock()) self->Show();
+//   }, 0);
 #pragma once
 
 #include <functional>
