@@ -21,7 +21,7 @@ private:
     std::atomic<int>& deletions;
 };
 
-class SpecialManager : public Manager {
+class DerivedManager : public Manager {
 public:
     using Manager::Manager;
 };
@@ -78,10 +78,10 @@ TEST(RefCountedObjectWithWeakPtr, DefaultAndResetWeakPointersLockToNull) {
 
 TEST(RefCountedObjectWithWeakPtr, ConvertsFromAWeakPointerToADerivedClass) {
     std::atomic<int> deletions{0};
-    boost::intrusive_ptr<SpecialManager> special(new SpecialManager(deletions));
-    WeakPtr<Manager> weak = WeakPtr<SpecialManager>(special);
+    boost::intrusive_ptr<DerivedManager> derived(new DerivedManager(deletions));
+    WeakPtr<Manager> weak = WeakPtr<DerivedManager>(derived);
 
-    EXPECT_EQ(weak.Lock().get(), special.get());
+    EXPECT_EQ(weak.Lock().get(), derived.get());
 }
 
 TEST(RefCountedObjectWithWeakPtr, LockRacingTheLastReleaseNeverRevivesTheObject) {
