@@ -24,7 +24,7 @@ TemporaryDirectory::~TemporaryDirectory() {
 }
 
 std::filesystem::path TemporaryDirectory::Write(const std::string& name,
-                                               std::string_view text) const {
+                                                std::string_view text) const {
     const auto file = path / name;
     std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
     return file;

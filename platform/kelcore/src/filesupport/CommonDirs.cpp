@@ -6,8 +6,8 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
+#include <system_error>
 #include <vector>
 
 #include <spdlog/spdlog.h>
@@ -57,7 +57,7 @@ void CreatePrivateDirectories(const fs::path& directory) {
     for (auto level = missing.rbegin(); level != missing.rend(); ++level) {
         if (mkdir(level->c_str(), 0700) != 0 && errno != EEXIST) {
             spdlog::error("cannot create the cache directory {}: {}", level->string(),
-                          std::strerror(errno));
+                          std::generic_category().message(errno));
             return;
         }
     }

@@ -1,13 +1,15 @@
 #include <kelcore/utility/FileUtils.h>
 
 #include <algorithm>
+#include <type_traits>
 
 namespace kelcore::utility {
 namespace {
 
 template <class Char>
 bool IsIllegalInFileName(Char c) {
-    const auto unit = static_cast<std::uint32_t>(c);
+    // Through the unsigned type: a byte of a UTF-8 sequence must not widen to a negative value.
+    const auto unit = static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<Char>>(c));
     if (unit < 0x20 || unit == 0x7F) {
         return true;
     }

@@ -5,8 +5,8 @@
 #include <sys/wait.h>
 
 #include <cerrno>
-#include <cstring>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include <spdlog/spdlog.h>
@@ -83,7 +83,7 @@ bool SpawnDetached(const std::string& program, const std::vector<std::string>& a
         posix_spawnp(&child, program.c_str(), nullptr, &attributes, argv.data(), environ);
     posix_spawnattr_destroy(&attributes);
     if (error != 0) {
-        spdlog::warn("cannot start {}: {}", program, std::strerror(error));
+        spdlog::warn("cannot start {}: {}", program, std::generic_category().message(error));
         return false;
     }
     std::thread([child, onExit = std::move(onExit)] {

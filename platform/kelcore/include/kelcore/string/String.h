@@ -13,7 +13,8 @@
 
 namespace kelcore::string {
 
-using string = std::basic_string<char16_t, std::char_traits<char16_t>, allocator::STLAllocator<char16_t>>;
+using string =
+    std::basic_string<char16_t, std::char_traits<char16_t>, allocator::STLAllocator<char16_t>>;
 using string_view = std::u16string_view;
 
 /// UTF-16 to UTF-8.

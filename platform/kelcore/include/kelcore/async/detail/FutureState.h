@@ -28,7 +28,7 @@ public:
     using Continuation = std::function<void(const std::shared_ptr<FutureStateBase>&)>;
 
     explicit FutureStateBase(std::shared_ptr<threads::AsyncExecutor> executor)
-        : executor(std::move(executor)) {}
+        : executor(executor) {}
     virtual ~FutureStateBase() = default;
 
     FutureStateBase(const FutureStateBase&) = delete;
