@@ -1,11 +1,11 @@
 #include <kelcore/messaging/Listener.h>
 
-#include "messaging/Stations.h"
+#include <kelcore/messaging/Messaging.h>
 
 namespace kelcore::messaging {
 
 Listener::~Listener() {
-    detail::RemoveRawListenerFromAllStations(this);
+    RemoveRawListenerFromAllStations(this);
 }
 
 void Listener::ReceiveRawMessage(const RawMessage&) {}

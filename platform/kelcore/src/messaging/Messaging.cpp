@@ -11,8 +11,6 @@
 
 #include <kelcore/config/ErrorHandling.h>
 
-#include "messaging/Stations.h"
-
 namespace kelcore::messaging {
 
 namespace {
@@ -185,9 +183,7 @@ void RemoveAllRawListenersForTesting() {
     }
 }
 
-namespace detail {
-
-void RemoveRawListenerFromAllStations(const Listener* listener) {
+void RemoveRawListenerFromAllStations(Listener* listener) {
     std::vector<SubscriptionPtr> removed;
     {
         Stations& stations = GetStations();
@@ -210,7 +206,5 @@ void RemoveRawListenerFromAllStations(const Listener* listener) {
         Retire(*subscription);
     }
 }
-
-}  // namespace detail
 
 }  // namespace kelcore::messaging

@@ -4,7 +4,8 @@
 //
 // The destructor removes the listener from every station and waits for calls in progress on
 // other threads, but by then the derived part is already gone: a listener that may receive on
-// another thread while it is destroyed calls RemoveRawListener in its own destructor.
+// another thread while it is destroyed calls RemoveRawListener (or
+// RemoveRawListenerFromAllStations) in its own destructor.
 //
 //   class Monitor : public kelcore::messaging::Listener {
 //       void ReceiveRawMessage(const RawMessage& message) override;
@@ -21,7 +22,8 @@ public:
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
-    /// Removes this listener from every station it was added to; see RemoveRawListener.
+    /// Removes this listener from every station it was added to, as
+    /// RemoveRawListenerFromAllStations does.
     virtual ~Listener();
 
     /// Receives one message of a station this listener was added to. Does nothing here.

@@ -34,6 +34,10 @@ void AddRawListener(const utility::ImmutableString& station, Listener* listener)
 /// receives running on two threads at once would wait for each other. Any thread.
 void RemoveRawListener(const utility::ImmutableString& station, Listener* listener);
 
+/// Removes `listener` from every station it was added to, waiting as RemoveRawListener does.
+/// Does nothing for a listener on no station. Any thread.
+void RemoveRawListenerFromAllStations(Listener* listener);
+
 /// Calls each listener of `station` with `message`, in the order they were added, on this
 /// thread, and returns when all have run. Does nothing for a station with no listeners.
 /// Any thread.
