@@ -7,18 +7,6 @@
 
 namespace kelcore::utility {
 
-namespace detail {
-
-struct ImmutableStringRep {
-    explicit ImmutableStringRep(std::string_view text)
-        : text(text), hash(std::hash<std::string_view>{}(text)) {}
-
-    const std::string text;
-    const std::size_t hash;
-};
-
-}  // namespace detail
-
 namespace {
 
 // Keys view the text owned by the mapped rep, so each interned text is stored once.
@@ -32,11 +20,6 @@ struct InternPool {
 InternPool& GetInternPool() {
     static InternPool pool;
     return pool;
-}
-
-const std::string& EmptyStdString() {
-    static const std::string empty;
-    return empty;
 }
 
 std::shared_ptr<const detail::ImmutableStringRep> MakeRep(std::string_view text) {
@@ -79,30 +62,9 @@ void ImmutableString::ForgetInternedStringsForTesting() {
     }
 }
 
-std::size_t ImmutableString::size() const noexcept {
-    return rep ? rep->text.size() : 0;
-}
-
-const char* ImmutableString::c_str() const noexcept {
-    return AsStdString().c_str();
-}
-
-const std::string& ImmutableString::AsStdString() const noexcept {
-    return rep ? rep->text : EmptyStdString();
-}
-
-std::size_t ImmutableString::Hash() const noexcept {
-    return rep ? rep->hash : std::hash<std::string_view>{}(std::string_view());
-}
-
-bool operator==(const ImmutableString& a, const ImmutableString& b) noexcept {
-    if (a.rep == b.rep) {
-        return true;
-    }
-    if (!a.rep || !b.rep || a.rep->hash != b.rep->hash) {
-        return false;
-    }
-    return a.rep->text == b.rep->text;
+const std::string& ImmutableString::EmptyStdString() noexcept {
+    static const std::string empty;
+    return empty;
 }
 
 std::strong_ordering operator<=>(const ImmutableString& a, const ImmutableString& b) noexcept {

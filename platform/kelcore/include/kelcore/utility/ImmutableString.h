@@ -10,6 +10,7 @@
 
 #include <compare>
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -18,8 +19,15 @@
 namespace kelcore::utility {
 
 namespace detail {
-struct ImmutableStringRep;
-}
+// Visible so that copies, hashing and comparison inline into callers in other libraries.
+struct ImmutableStringRep {
+    explicit ImmutableStringRep(std::string_view text)
+        : text(text), hash(std::hash<std::string_view>{}(text)) {}
+
+    const std::string text;
+    const std::size_t hash;
+};
+}  // namespace detail
 
 class ImmutableString {
 public:
@@ -41,24 +49,36 @@ public:
     /// True for the empty string. Any thread.
     bool empty() const noexcept { return rep == nullptr; }
     /// Length in bytes. Any thread.
-    std::size_t size() const noexcept;
+    std::size_t size() const noexcept { return rep ? rep->text.size() : 0; }
     /// The text, NUL-terminated; "" when empty. Valid while any copy of this string lives.
     /// Any thread.
-    const char* c_str() const noexcept;
+    const char* c_str() const noexcept { return AsStdString().c_str(); }
     /// The text as a std::string; a shared empty one when empty. Any thread.
-    const std::string& AsStdString() const noexcept;
+    const std::string& AsStdString() const noexcept { return rep ? rep->text : EmptyStdString(); }
     /// The text as a view. Any thread.
     std::string_view AsStringView() const noexcept { return AsStdString(); }
     /// The hash of the text, computed once at construction. Any thread.
-    std::size_t Hash() const noexcept;
+    std::size_t Hash() const noexcept {
+        return rep ? rep->hash : std::hash<std::string_view>{}(std::string_view());
+    }
 
     /// Equal when the texts are; shared buffers answer without reading the text. Any thread.
-    friend bool operator==(const ImmutableString& a, const ImmutableString& b) noexcept;
+    friend bool operator==(const ImmutableString& a, const ImmutableString& b) noexcept {
+        if (a.rep == b.rep) {
+            return true;
+        }
+        if (!a.rep || !b.rep || a.rep->hash != b.rep->hash) {
+            return false;
+        }
+        return a.rep->text == b.rep->text;
+    }
     /// Orders by the bytes of the text. Any thread.
     friend std::strong_ordering operator<=>(const ImmutableString& a,
                                             const ImmutableString& b) noexcept;
 
 private:
+    static const std::string& EmptyStdString() noexcept;
+
     explicit ImmutableString(std::shared_ptr<const detail::ImmutableStringRep> rep) noexcept
         : rep(std::move(rep)) {}
 
