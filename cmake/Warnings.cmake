@@ -16,7 +16,7 @@ function(vantro_target_warnings target)
     endif()
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic ${shadow}
         -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Woverloaded-virtual
-        -Wnull-dereference -Wimplicit-fallthrough)
+        -Wimplicit-fallthrough)
     if(VANTRO_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)
     endif()

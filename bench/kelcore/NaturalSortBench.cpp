@@ -1,6 +1,8 @@
 // Sorting 100,000 node names in natural, case-insensitive order, against the baseline of the
-// same sort with a plain ASCII case-insensitive lexicographic compare of the same names.
+// same sort with a plain ASCII case-insensitive lexicographic compare of the same names. The
+// natural sort also times the baseline for as many sorts and reports "ratio" = ours / baseline.
 #include <algorithm>
+#include <chrono>
 #include <random>
 #include <string>
 #include <vector>
@@ -51,28 +53,47 @@ bool AsciiCaseInsensitiveLess(string_view a, string_view b) {
         [](char16_t x, char16_t y) { return AsciiLower(x) < AsciiLower(y); });
 }
 
+using Clock = std::chrono::steady_clock;
+
+// Sorts a fresh copy of the names; answers the time of the sort alone.
 template <bool (*Less)(string_view, string_view)>
-void SortNames(benchmark::State& state) {
+Clock::duration SortOnce() {
+    auto names = Names();
+    const auto start = Clock::now();
+    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return Less(a, b); });
+    const auto elapsed = Clock::now() - start;
+    benchmark::DoNotOptimize(names.data());
+    benchmark::ClobberMemory();
+    return elapsed;
+}
+
+template <bool (*Less)(string_view, string_view)>
+Clock::duration SortNames(benchmark::State& state) {
+    Clock::duration total{};
     for (auto _ : state) {
-        state.PauseTiming();
-        auto names = Names();
-        state.ResumeTiming();
-        std::sort(names.begin(), names.end(),
-                  [](const auto& a, const auto& b) { return Less(a, b); });
-        benchmark::DoNotOptimize(names.data());
-        benchmark::ClobberMemory();
+        const auto elapsed = SortOnce<Less>();
+        state.SetIterationTime(std::chrono::duration<double>(elapsed).count());
+        total += elapsed;
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Names().size()));
+    return total;
 }
 
 void BM_Baseline_AsciiCaseInsensitiveSort(benchmark::State& state) {
     SortNames<AsciiCaseInsensitiveLess>(state);
 }
+
 void BM_NaturalStringLessThanSort(benchmark::State& state) {
-    SortNames<kelcore::string::CaseInsensitive::NaturalStringLessThan>(state);
+    const auto ours = SortNames<kelcore::string::CaseInsensitive::NaturalStringLessThan>(state);
+    Clock::duration baseline{};
+    for (benchmark::IterationCount i = 0; i < state.iterations(); ++i) {
+        baseline += SortOnce<AsciiCaseInsensitiveLess>();
+    }
+    state.counters["ratio"] = std::chrono::duration<double>(ours).count() /
+                              std::chrono::duration<double>(baseline).count();
 }
 
-BENCHMARK(BM_Baseline_AsciiCaseInsensitiveSort)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_NaturalStringLessThanSort)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Baseline_AsciiCaseInsensitiveSort)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_NaturalStringLessThanSort)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
