@@ -336,6 +336,56 @@ TEST(Future, ContinuationMayAttachContinuationsToTheSameFuture) {
     EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
 }
 
+TEST(Future, SuccessHandlerGetsTheValueAndTheFailureHandlerNothing) {
+    auto executor = MakeManualExecutor();
+    int received = 0;
+    bool failed = false;
+    MakeReadyFuture(42).Then(
+        executor, [&](const int& value) { received = value; },
+        [&](std::exception_ptr) { failed = true; });
+    EXPECT_EQ(received, 0) << "posted, never inline";
+    executor->RunUntilIdle();
+    EXPECT_EQ(received, 42);
+    EXPECT_FALSE(failed);
+}
+
+TEST(Future, FailureHandlerGetsTheFailureAndTheSuccessHandlerNothing) {
+    auto executor = MakeManualExecutor();
+    bool succeeded = false;
+    ResultCode code = 0;
+    MakeFailedFuture<int>(
+        std::make_exception_ptr(kel_exception("refused", MakeResultCode(0xA00F000D))))
+        .Then(
+            executor, [&](const int&) { succeeded = true; },
+            [&](std::exception_ptr failure) { code = ExtractResultFromException(failure); });
+    executor->RunUntilIdle();
+    EXPECT_FALSE(succeeded);
+    EXPECT_EQ(code, MakeResultCode(0xA00F000D));
+}
+
+TEST(Future, CancellationReachesTheFailureHandler) {
+    auto executor = MakeManualExecutor();
+    ResultCode code = 0;
+    auto promise = std::make_unique<Promise<void>>();
+    promise->GetFuture().Then(
+        executor, [] { FAIL() << "a cancelled future has no value"; },
+        [&](std::exception_ptr failure) { code = ExtractResultFromException(failure); });
+    promise.reset();
+    executor->RunUntilIdle();
+    EXPECT_EQ(code, kelcore::config::kResultFutureCancelled);
+}
+
+TEST(Future, ThrowingSuccessHandlerFailsTheResultWithoutCallingTheFailureHandler) {
+    auto executor = MakeManualExecutor();
+    bool failureHandlerRan = false;
+    auto result = MakeReadyFuture(1).Then(
+        executor, [](const int&) { throw std::runtime_error("handler broke"); },
+        [&](std::exception_ptr) { failureHandlerRan = true; });
+    executor->RunUntilIdle();
+    EXPECT_FALSE(failureHandlerRan);
+    EXPECT_EQ(ExtractResultFromException(result), kelcore::config::kResultStandardException);
+}
+
 TEST(Future, ContinuationDroppedByItsExecutorCancelsItsResult) {
     auto pool = std::make_shared<kelcore::threads::ThreadPoolExecutor>(1);
     pool->Shutdown();

@@ -127,6 +127,15 @@ public:
     Future<detail::ContinuationResult<T, std::decay_t<F>>> Then(
         std::shared_ptr<threads::AsyncExecutor> executor, F&& fn) const;
 
+    /// Any thread. Attaches two handlers, both posted to `executor` (never inline) once this
+    /// future completes: `onValue(const T&)` (`onValue()` for void) when it holds a value,
+    /// otherwise `onFailure(std::exception_ptr)` with its failure (a cancellation arrives as
+    /// the "Future Is Cancelled" kel_exception). Exactly one of them runs. An exception thrown
+    /// by `onValue` fails the returned future and is not passed to `onFailure`.
+    template <class OnValue, class OnFailure>
+    Future<void> Then(std::shared_ptr<threads::AsyncExecutor> executor, OnValue&& onValue,
+                      OnFailure&& onFailure) const;
+
 private:
     template <class>
     friend class Future;
@@ -165,6 +174,29 @@ Future<detail::ContinuationResult<T, std::decay_t<F>>> Future<T>::Then(
         }
     });
     return result;
+}
+
+template <class T>
+template <class OnValue, class OnFailure>
+Future<void> Future<T>::Then(std::shared_ptr<threads::AsyncExecutor> executor, OnValue&& onValue,
+                             OnFailure&& onFailure) const {
+    return Then(std::move(executor),
+                [onValue = std::forward<OnValue>(onValue),
+                 onFailure = std::forward<OnFailure>(onFailure)](const Future<T>& completed) {
+                    std::exception_ptr failure;
+                    try {
+                        completed.Get();
+                    } catch (...) {
+                        failure = std::current_exception();
+                    }
+                    if (failure) {
+                        onFailure(failure);
+                    } else if constexpr (std::is_void_v<T>) {
+                        onValue();
+                    } else {
+                        onValue(completed.Get());
+                    }
+                });
 }
 
 template <class T>
