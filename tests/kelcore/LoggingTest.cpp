@@ -1,4 +1,6 @@
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
@@ -104,6 +106,15 @@ TEST_F(LoggingTest, TheLogFileFallsBackToHomeWhenXDGStateHomeIsNotAbsolute) {
     ScopedEnvironmentVariable home("HOME", "/home/someone");
     ScopedEnvironmentVariable relative("XDG_STATE_HOME", "state");
     EXPECT_EQ(LogFilePath(), "/home/someone/.local/state/vantrokelui/vantrokelui.log");
+}
+
+TEST_F(LoggingTest, ARelativeHomeFallsBackToTheUserDatabase) {
+    ScopedEnvironmentVariable home("HOME", "relative/home");
+    ScopedEnvironmentVariable state("XDG_STATE_HOME", std::nullopt);
+    const passwd* user = getpwuid(geteuid());
+    ASSERT_NE(user, nullptr);
+    EXPECT_EQ(LogFilePath(),
+              std::filesystem::path(user->pw_dir) / ".local/state/vantrokelui/vantrokelui.log");
 }
 
 TEST_F(LoggingTest, EachCaptureSeesOnlyTheLinesOfItsOwnLife) {

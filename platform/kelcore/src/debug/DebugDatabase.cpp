@@ -91,8 +91,8 @@ std::filesystem::path DebugDatabase::FilePath() {
         path && !path->empty()) {
         return *path;
     }
-    const auto base = kelcore::detail::XdgBaseDirectory("XDG_CONFIG_HOME", ".config");
-    return base.empty() ? base : base / "vantrokelui" / "debug.conf";
+    return kelcore::detail::XdgBaseDirectory("XDG_CONFIG_HOME", ".config") / "vantrokelui" /
+           "debug.conf";
 }
 
 std::string DebugDatabase::EnvironmentName(std::string_view key) {

@@ -1,29 +1,37 @@
-// Reading the environment and the XDG base directories, shared by the implementation files.
+// The process environment, the user database and the XDG base directories, shared by the
+// implementation files that place the product's files (cache, log, debug database).
 #pragma once
 
-#include <cstdlib>
+#include <sys/types.h>
+
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 
 namespace kelcore::detail {
 
 /// The variable's value, or nothing when it is not set.
-inline std::optional<std::string> GetEnvironment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
+std::optional<std::string> GetEnvironment(const char* name);
 
-/// $`variable` when it holds an absolute path (relative ones are ignored, as XDG asks), else
-/// $HOME/`underHome`; empty when neither is known.
-inline std::filesystem::path XdgBaseDirectory(const char* variable, const char* underHome) {
-    if (auto value = GetEnvironment(variable); value && !value->empty() && value->front() == '/') {
-        return *value;
-    }
-    if (auto home = GetEnvironment("HOME"); home && !home->empty()) {
-        return std::filesystem::path(*home) / underHome;
-    }
-    return {};
-}
+struct UserRecord {
+    std::string name;
+    std::string home;
+};
+
+/// The user database's entry for `uid`, or nothing when it has none.
+std::optional<UserRecord> LookUpUser(uid_t uid);
+
+/// $HOME when it is absolute, else the user's home from the user database, else the system's
+/// temporary directory: never empty.
+std::filesystem::path HomeDirectory();
+
+/// $`variable` when it holds an absolute path (XDG ignores relative ones), else
+/// HomeDirectory()/`underHome`.
+std::filesystem::path XdgBaseDirectory(const char* variable, const char* underHome);
+
+/// Makes `directory` and each missing level above it with mode 0700, as XDG asks for the
+/// directories it makes (std::filesystem cannot pass a mode). Answers the first failure.
+std::error_code CreatePrivateDirectories(const std::filesystem::path& directory);
 
 }  // namespace kelcore::detail

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <mutex>
 #include <string>
+#include <system_error>
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/basic_file_sink.h>
@@ -27,18 +28,6 @@ LoggerState& State() {
     // Leaked on purpose: static destructors elsewhere may still log at exit.
     static auto* state = new LoggerState;
     return *state;
-}
-
-// XDG asks for 0700 on directories it makes; std::filesystem cannot pass a mode.
-void CreatePrivateDirectories(const std::filesystem::path& dir) {
-    std::error_code error;
-    if (dir.empty() || std::filesystem::is_directory(dir, error)) {
-        return;
-    }
-    if (dir.has_parent_path() && dir.parent_path() != dir) {
-        CreatePrivateDirectories(dir.parent_path());
-    }
-    ::mkdir(dir.c_str(), 0700);
 }
 
 spdlog::level::level_enum ToSpdlog(Severity severity) {
@@ -68,10 +57,9 @@ std::shared_ptr<spdlog::logger> GetLogger() {
                                             detail::CaptureSinks()};
         const auto path = LogFilePath();
         try {
-            if (path.empty()) {
-                throw std::runtime_error("neither XDG_STATE_HOME nor HOME is set");
+            if (const auto error = kelcore::detail::CreatePrivateDirectories(path.parent_path())) {
+                throw std::system_error(error);
             }
-            CreatePrivateDirectories(path.parent_path());
             sinks.push_back(std::make_shared<spdlog::sinks::basic_file_sink_mt>(path.string()));
         } catch (const std::exception& e) {
             fileProblem = "Cannot open the log file " + path.string() + " (" + e.what() +
@@ -137,8 +125,8 @@ void LogException(std::string_view where, const std::exception_ptr& error) {
 }
 
 std::filesystem::path LogFilePath() {
-    const auto base = kelcore::detail::XdgBaseDirectory("XDG_STATE_HOME", ".local/state");
-    return base.empty() ? base : base / "vantrokelui" / "vantrokelui.log";
+    return kelcore::detail::XdgBaseDirectory("XDG_STATE_HOME", ".local/state") / "vantrokelui" /
+           "vantrokelui.log";
 }
 
 void ResetLoggingForTesting() {

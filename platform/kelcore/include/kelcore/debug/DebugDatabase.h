@@ -30,7 +30,7 @@ public:
     /// so "TRUE" is false. Any thread.
     bool GetBoolEntry(std::string_view key, bool defaultValue) const;
 
-    /// The file read now, from the environment as it is; empty when HOME is not known either.
+    /// The file read now, from the environment as it is.
     /// Any thread.
     static std::filesystem::path FilePath();
 
