@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <kelcore/async/Executors.h>
+#include <kelcore/logging/CapturedLogForTesting.h>
+#include <kelcore/logging/CapturedLogForTesting.h>
 #include <kelcore/threads/Executors.h>
 #include <kelcore/threads/ManualClock.h>
 #include <kelcore/threads/ManualExecutor.h>
@@ -95,10 +97,16 @@ TEST(ThreadPoolExecutor, DelayedTasksFireInDelayOrder) {
     EXPECT_EQ(order, (std::vector<int>{1, 2}));
 }
 
-TEST(ThreadPoolExecutor, ATaskThatThrowsDoesNotStopThePool) {
+TEST(ThreadPoolExecutor, ATaskThatThrowsIsLoggedAndDoesNotStopThePool) {
+    kelcore::logging::CapturedLogForTesting log;
     ThreadPoolExecutor pool(1);
     pool.Post([] { throw std::runtime_error("task failure"); });
+    // One worker: the task behind the throwing one runs only after it has been logged.
     EXPECT_NE(RunOn(pool), std::this_thread::get_id());
+    const auto entries = log.Entries();
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].severity, kelcore::logging::Severity::Error);
+    EXPECT_NE(entries[0].text.find("task failure"), std::string::npos) << entries[0].text;
 }
 
 TEST(ThreadPoolExecutor, PostsAfterShutdownAreDropped) {

@@ -11,7 +11,6 @@
 
 #include <kelcore/appstatemanager/PrepareToQuitService.h>
 #include <kelcore/logging/Logging.h>
-#include <kelcore/threads/MainThread.h>
 #include <kelcore/utility/LazySingleton.h>
 
 namespace kelcore::appstatemanager {

@@ -1,6 +1,6 @@
 #include <kelcore/filesupport/CommonDirs.h>
 
-#include <spdlog/spdlog.h>
+#include <kelcore/logging/Logging.h>
 
 #include "detail/Environment.h"
 
@@ -11,8 +11,8 @@ string::string UserCacheDir() {
         kelcore::detail::XdgBaseDirectory("XDG_CACHE_HOME", ".cache") / "vantrokelui";
     // The cache holds the user's renders: each level it makes is private.
     if (const auto error = kelcore::detail::CreatePrivateDirectories(directory)) {
-        spdlog::error("cannot create the cache directory {}: {}", directory.string(),
-                      error.message());
+        logging::LogError("Cannot create the cache directory " + directory.string() + ": " +
+                          error.message());
     }
     return string::StdToUTF16String(directory.native());
 }

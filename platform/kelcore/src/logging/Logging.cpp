@@ -1,7 +1,5 @@
 #include <kelcore/logging/Logging.h>
 
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <mutex>
 #include <string>

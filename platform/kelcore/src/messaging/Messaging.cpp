@@ -73,9 +73,15 @@ private:
     Subscription& subscription;
 };
 
-void EraseSubscription(std::vector<SubscriptionPtr>& list, const Subscription* subscription) {
-    std::erase_if(
-        list, [subscription](const SubscriptionPtr& entry) { return entry.get() == subscription; });
+// Takes `subscription` off its station, and the station off the registry when it is left empty.
+// Call with the registry locked.
+void DetachFromStation(Stations& stations, const Subscription& subscription) {
+    const auto onStation = stations.listenersByStation.find(subscription.station);
+    std::erase_if(onStation->second,
+                  [&](const SubscriptionPtr& entry) { return entry.get() == &subscription; });
+    if (onStation->second.empty()) {
+        stations.listenersByStation.erase(onStation);
+    }
 }
 
 // Call with the registry unlocked: waits for calls on other threads to finish.
@@ -127,11 +133,7 @@ void RemoveRawListener(const ImmutableString& station, Listener* listener) {
         if (mine->second.empty()) {
             stations.subscriptionsByListener.erase(mine);
         }
-        const auto onStation = stations.listenersByStation.find(station);
-        EraseSubscription(onStation->second, removed.get());
-        if (onStation->second.empty()) {
-            stations.listenersByStation.erase(onStation);
-        }
+        DetachFromStation(stations, *removed);
     }
     Retire(*removed);
 }
@@ -195,11 +197,7 @@ void RemoveRawListenerFromAllStations(Listener* listener) {
         removed = std::move(mine->second);
         stations.subscriptionsByListener.erase(mine);
         for (const auto& subscription : removed) {
-            const auto onStation = stations.listenersByStation.find(subscription->station);
-            EraseSubscription(onStation->second, subscription.get());
-            if (onStation->second.empty()) {
-                stations.listenersByStation.erase(onStation);
-            }
+            DetachFromStation(stations, *subscription);
         }
     }
     for (const auto& subscription : removed) {

@@ -17,10 +17,11 @@
 #include <utility>
 #include <vector>
 
-#include <spdlog/spdlog.h>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/thread_pool.hpp>
+
+#include <kelcore/logging/Logging.h>
 
 namespace kelcore::threads {
 namespace detail {
@@ -95,10 +96,8 @@ private:
     static void Run(const std::function<void()>& task) {
         try {
             task();
-        } catch (const std::exception& error) {
-            spdlog::error("kelcore: a pool task threw: {}", error.what());
         } catch (...) {
-            spdlog::error("kelcore: a pool task threw a non-standard exception");
+            logging::LogException("kelcore thread pool task", std::current_exception());
         }
     }
 

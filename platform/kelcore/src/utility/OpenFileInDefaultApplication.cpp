@@ -9,7 +9,7 @@
 #include <system_error>
 #include <thread>
 
-#include <spdlog/spdlog.h>
+#include <kelcore/logging/Logging.h>
 
 extern char** environ;
 
@@ -83,7 +83,8 @@ bool SpawnDetached(const std::string& program, const std::vector<std::string>& a
         posix_spawnp(&child, program.c_str(), nullptr, &attributes, argv.data(), environ);
     posix_spawnattr_destroy(&attributes);
     if (error != 0) {
-        spdlog::warn("cannot start {}: {}", program, std::generic_category().message(error));
+        logging::LogWarning("Cannot start " + program + ": " +
+                            std::generic_category().message(error));
         return false;
     }
     std::thread([child, onExit = std::move(onExit)] {
