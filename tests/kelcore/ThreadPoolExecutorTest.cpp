@@ -11,7 +11,6 @@
 
 #include <kelcore/async/Executors.h>
 #include <kelcore/logging/CapturedLogForTesting.h>
-#include <kelcore/logging/CapturedLogForTesting.h>
 #include <kelcore/threads/Executors.h>
 #include <kelcore/threads/ManualClock.h>
 #include <kelcore/threads/ManualExecutor.h>
