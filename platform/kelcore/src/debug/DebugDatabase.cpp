@@ -34,7 +34,7 @@ struct FileIdentity {
 
 std::optional<FileIdentity> Identify(const std::filesystem::path& path) {
     struct stat info {};
-    if (path.empty() || ::stat(path.c_str(), &info) != 0) {
+    if (::stat(path.c_str(), &info) != 0) {
         return std::nullopt;
     }
     return FileIdentity{info.st_dev, info.st_ino, info.st_size, info.st_mtim};
