@@ -1,0 +1,2 @@
+// vantro-server: administration commands and the HTTP service.
+int main() { return 0; }
