@@ -14,4 +14,9 @@ namespace kelcore::filesupport::commondirs {
 /// file reports it. Any thread.
 string::string UserCacheDir();
 
+/// The product's state directory for logs and records that outlive a run but are not worth a
+/// backup: `$XDG_STATE_HOME/vantrokelui`, or `$HOME/.local/state/vantrokelui`, made and reported
+/// as UserCacheDir does. Any thread.
+string::string UserStateDir();
+
 }  // namespace kelcore::filesupport::commondirs
