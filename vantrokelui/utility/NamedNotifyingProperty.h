@@ -16,17 +16,17 @@
 #include <vantrokelui/utility/DataBinding.h>
 #include <vantrokelui/utility/NotifyingProperty.h>
 
-#define VANTROKELUI_NAMED_NOTIFYING_PROPERTY(Name, T, Arg)                                        \
-    class Name##NotifyingProperty : public ::vantrokelui::utility::NotifyingProperty<T, Arg> {    \
-    public:                                                                                       \
-        using ::vantrokelui::utility::NotifyingProperty<T, Arg>::NotifyingProperty;               \
-        /** The value; any thread. */                                                            \
-        virtual T Get##Name() const { return this->GetValue(); }                                  \
-        /** Stores and notifies unless unchanged; any thread. Owners may add rules. */           \
-        virtual void Set##Name(Arg newValue) { this->SetValue(std::forward<Arg>(newValue)); }     \
-        /** Subscribes; main thread. */                                                           \
-        std::shared_ptr<::vantrokelui::utility::DataBinding> Add##Name##Binding(                  \
-            std::function<void(Arg)> callback) {                                                  \
-            return this->AddBinding(std::move(callback));                                         \
-        }                                                                                         \
+#define VANTROKELUI_NAMED_NOTIFYING_PROPERTY(Name, T, Arg)                                     \
+    class Name##NotifyingProperty : public ::vantrokelui::utility::NotifyingProperty<T, Arg> { \
+    public:                                                                                    \
+        using ::vantrokelui::utility::NotifyingProperty<T, Arg>::NotifyingProperty;            \
+        /** The value; any thread. */                                                          \
+        virtual T Get##Name() const { return this->GetValue(); }                               \
+        /** Stores and notifies unless unchanged; any thread. Owners may add rules. */         \
+        virtual void Set##Name(Arg newValue) { this->SetValue(std::forward<Arg>(newValue)); }  \
+        /** Subscribes; main thread. */                                                        \
+        std::shared_ptr<::vantrokelui::utility::DataBinding> Add##Name##Binding(               \
+            std::function<void(Arg)> callback) {                                               \
+            return this->AddBinding(std::move(callback));                                      \
+        }                                                                                      \
     }
