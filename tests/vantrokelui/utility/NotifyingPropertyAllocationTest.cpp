@@ -28,17 +28,19 @@ thread_local std::size_t sAllocationsOnThisThread = 0;
 #if VANTROKELUI_TEST_COUNTS_ALLOCATIONS
 // The other forms of operator new and delete in libstdc++ forward to these (the aligned ones
 // use their own allocation and are not counted; nothing here is over-aligned).
-void* operator new(std::size_t size) {
+// Kept out of line: inlined, GCC would pair malloc and free with the callers' new and delete
+// and warn of a mismatch.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     ++sAllocationsOnThisThread;
     if (void* block = std::malloc(size == 0 ? 1 : size)) {
         return block;
     }
     throw std::bad_alloc();
 }
-void operator delete(void* block) noexcept {
+[[gnu::noinline]] void operator delete(void* block) noexcept {
     std::free(block);
 }
-void operator delete(void* block, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
     std::free(block);
 }
 #endif
