@@ -72,7 +72,7 @@ public:
             previous = std::exchange(value, std::forward<Arg>(newValue));
             // Queued under the lock, so deliveries leave in the order the values were stored,
             // whichever threads set them.
-            DispatchBindings(value, bindings);
+            DispatchBindings(value, callbacks);
         }
         // `previous` dies here, outside the lock: it may own objects whose subscriptions to this
         // very property end with them.
@@ -87,12 +87,18 @@ public:
         {
             const std::lock_guard lock(mutex);
             DispatchBindings(value, CallbackList{shared});
-            bindings.push_back(shared);
+            callbacks.push_back(shared);
         }
-        // Aliasing the object's one control block: a dynamic cast could not tell apart two
-        // properties of the same type inherited by one owner.
-        std::weak_ptr<NotifyingProperty> self =
-            std::shared_ptr<NotifyingProperty>(shared_from_this(), this);
+        std::weak_ptr<NotifyingProperty> self;
+        try {
+            // Aliasing the object's one control block: a dynamic cast could not tell apart two
+            // properties of the same type inherited by one owner.
+            self = std::shared_ptr<NotifyingProperty>(shared_from_this(), this);
+        } catch (const std::bad_weak_ptr&) {
+            // No subscription will exist to take the callback out again, so it must not stay.
+            RemoveCallback(shared.get());
+            throw;
+        }
         return std::allocate_shared<DataBindingImpl>(
             kelcore::allocator::STLAllocator<DataBindingImpl>(), std::move(self),
             std::move(shared));
@@ -113,20 +119,22 @@ private:
 
     void RemoveCallback(const Callback* callback) {
         const std::lock_guard lock(mutex);
-        for (auto it = bindings.begin(); it != bindings.end(); ++it) {
+        for (auto it = callbacks.begin(); it != callbacks.end(); ++it) {
             if (it->get() == callback) {
                 // The subscription still holds the callback, so this never destroys it under
                 // the lock.
-                bindings.erase(it);
+                callbacks.erase(it);
                 return;
             }
         }
     }
 
-    // Guards value and bindings; never held while an observer runs or a value is destroyed.
+    // Guards value and callbacks; never held while an observer runs or a value is destroyed.
     mutable std::mutex mutex;
     T value;
-    CallbackList bindings;
+    // Not named `bindings`: owners also inherit DataBindingTarget, whose public `bindings` would
+    // then be ambiguous in them.
+    CallbackList callbacks;
 };
 
 /// A subscription: a weak reference to the property and the callback it shares with it.
