@@ -439,7 +439,6 @@ TEST_F(StoredPresetTest, MissingValueFunctionRaisesBadFunctionCall) {
 
 TEST_F(ShareManagerTest, CopyHoldsTheSameJobsFunctionsAndProperties) {
     AddJob("job-a", kSequenceA, Status(EncodingStatus::Encoding));
-
     host->Put(kSequenceA, kSelectedEncoderPresetKey, u"{}");
     const ShareManager copy(manager);
     EXPECT_EQ(copy.GetJobW(U16("job-a")), manager.GetJobW(U16("job-a")));
