@@ -234,7 +234,7 @@ TEST_F(ShareManagerTest, ActiveSequenceWithThePanelGoneStillFindsItsJob) {
 }
 
 TEST_F(ShareManagerTest, EncodingStatusIsNoneWithoutAJobForTheActiveSequence) {
-    EXPECT_EQ(manager.GetShareJobEncodingStatus(), EncodingStatus::None);
+    EXPECT_EQ(static_cast<int>(manager.GetShareJobEncodingStatus()), 0);
     AddJob("job-b", kSequenceB, Status(EncodingStatus::Encoded));
     host->SetActive(kSequenceA);
     manager.SetCurrentActiveSequenceAndProperties();
