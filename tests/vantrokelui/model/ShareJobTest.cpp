@@ -1,8 +1,10 @@
 #include <vantrokelui/model/ShareJob.h>
 
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <deque>
+#include <latch>
 #include <thread>
 #include <vector>
 
@@ -217,37 +219,49 @@ TEST(ShareJob, AssignmentCopiesEveryFieldAndSelfAssignmentKeepsThem) {
     EXPECT_EQ(target.GetVersionStackGuid(), Guid(7, 8));
 }
 
-// Reports arrive on other threads while the panel reads: every field must stay race free.
+// Reports arrive on other threads while the panel reads: every field must stay race free. The
+// reader keeps reading until both writers are done, so its reads overlap all of their writes.
 TEST(ShareJob, WritersOnTwoThreadsAndAReaderDoNotRace) {
     auto job = std::make_shared<ShareJob>(MakeJob());
     constexpr int kRounds = 2000;
-    std::thread progress([job] {
+    std::atomic<int> writersLeft{2};
+    std::latch start(3);
+    std::thread progress([job, &writersLeft, &start] {
+        start.arrive_and_wait();
         for (int i = 1; i <= kRounds; ++i) {
             job->SetEncodingProgress(i / double(kRounds));
             job->SetEncodingStatus(EncodingStatus::Uploading);
             job->SetUploadingSpeed(i);
         }
+        --writersLeft;
     });
-    std::thread history([job] {
+    std::thread history([job, &writersLeft, &start] {
+        start.arrive_and_wait();
         for (int i = 0; i < kRounds; ++i) {
             job->AddToTotalTimeList(i);
             job->CalculateAverageTotalTimeForSize(8);
-            job->SetUploadingJobID(U16("transfer"));
+            job->SetUploadingJobID(U16(i % 2 ? "transfer" : "a longer transfer identity"));
             job->SetVersionStackGuid(Guid(1, static_cast<std::uint64_t>(i)));
+            job->SetReviewLinkURL(U16(i % 2 ? "https://r/1" : "https://review.example/l/2"));
         }
+        --writersLeft;
     });
-    for (int i = 0; i < kRounds; ++i) {
+    start.arrive_and_wait();
+    do {
         (void)job->GetEncodingProgress();
-        (void)job->GetTotalTimeList();
         (void)job->GetUploadingJobID();
+        (void)job->GetVersionStackGuid();
+        (void)job->GetReviewLinkURL();
+        (void)job->GetTotalTimeList();
         (void)ShareJob(*job);
-    }
+    } while (writersLeft.load() > 0);
     progress.join();
     history.join();
     EXPECT_EQ(job->GetEncodingProgress(), 1.0);
     EXPECT_EQ(job->GetUploadingSpeed(), double(kRounds));
     EXPECT_EQ(job->GetTotalTimeList().size(), 8u);
     EXPECT_EQ(job->GetVersionStackGuid(), Guid(1, kRounds - 1));
+    EXPECT_EQ(job->GetUploadingJobID(), U16("transfer"));
 }
 
 }  // namespace

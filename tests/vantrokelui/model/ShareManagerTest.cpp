@@ -1,5 +1,7 @@
 #include <vantrokelui/model/ShareManager.h>
 
+#include <atomic>
+#include <latch>
 #include <string>
 #include <thread>
 #include <typeinfo>
@@ -452,11 +454,15 @@ TEST_F(ShareManagerTest, CopyHoldsTheSameJobsFunctionsAndProperties) {
     EXPECT_EQ(assigned.GetJobCount(), 1u);
 }
 
-// The manager is driven from the main thread and the cloud library's thread at once.
+// The manager is driven from the main thread and the cloud library's thread at once. The main
+// thread keeps going until the other thread is done, so their calls overlap throughout.
 TEST_F(ShareManagerTest, MainThreadAndCallbackThreadDoNotRace) {
     host->SetActive(kSequenceA);
-    constexpr int kRounds = 300;
-    std::thread callbacks([this] {
+    constexpr int kRounds = 1000;
+    std::atomic<bool> callbacksDone{false};
+    std::latch start(2);
+    std::thread callbacks([this, &callbacksDone, &start] {
+        start.arrive_and_wait();
         for (int i = 0; i < kRounds; ++i) {
             AddJob("job-" + std::to_string(i),
                    ProcessingGuids{Guid(1, 1), Guid(2, static_cast<std::uint64_t>(i % 3))},
@@ -465,18 +471,21 @@ TEST_F(ShareManagerTest, MainThreadAndCallbackThreadDoNotRace) {
                 job->SetEncodingProgress(0.5);
             }
         }
+        callbacksDone = true;
     });
-    for (int i = 0; i < kRounds; ++i) {
+    start.arrive_and_wait();
+    do {
         manager.SetCurrentActiveSequenceAndProperties();
         (void)manager.GetShareJobEncodingStatus();
         (void)manager.HasActiveShareJobs();
+        (void)manager.GetJobW(U16("job-1"));
         manager.SetEncoderPresets(TwoPresets());
-    }
+    } while (!callbacksDone.load());
     callbacks.join();
     manager.SetCurrentActiveSequenceAndProperties();
     EXPECT_EQ(manager.GetJobCount(), 3u);  // one job per sequence survives
-    // Sequence A is Guid(2, 1): its last job is the last i with i % 3 == 1.
-    EXPECT_EQ(manager.GetActiveSequenceJobID(), U16("job-" + std::to_string(kRounds - 2)));
+    // Sequence A is Guid(2, 1): its last job is the last i below 1000 with i % 3 == 1.
+    EXPECT_EQ(manager.GetActiveSequenceJobID(), U16("job-997"));
     Pump();
 }
 
