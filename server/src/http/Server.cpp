@@ -9,7 +9,9 @@ class Server::Impl {};
 
 Server::Server(ServeOptions) : impl(std::make_shared<Impl>()) {}
 Server::~Server() = default;
-unsigned short Server::Start() { throw std::runtime_error("the HTTP service is not built yet"); }
+unsigned short Server::Start() {
+    throw std::runtime_error("the HTTP service is not built yet");
+}
 void Server::Wait(bool) {}
 void Server::Stop() {}
 
