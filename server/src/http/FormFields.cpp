@@ -1,7 +1,6 @@
 #include "http/FormFields.h"
 
 #include <boost/url/encoding_opts.hpp>
-#include <boost/url/params_encoded_view.hpp>
 #include <boost/url/params_view.hpp>
 #include <boost/url/parse_query.hpp>
 
@@ -12,13 +11,12 @@ std::optional<FormFields::Fields> FormFields::Parse(std::string_view text) {
     if (text.empty()) {
         return fields;
     }
-    const auto encoded = boost::urls::parse_query(text);
-    if (!encoded) {
+    if (!boost::urls::parse_query(text)) {
         return std::nullopt;
     }
     boost::urls::encoding_opts options;
     options.space_as_plus = true;
-    const boost::urls::params_view params(boost::urls::params_view(*encoded), options);
+    const boost::urls::params_view params(text, options);
     for (const auto& param : params) {
         fields.emplace_back(param.key, param.value);
     }
