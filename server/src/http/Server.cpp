@@ -1,28 +1,211 @@
 #include "http/Server.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/address.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <boost/asio/ssl/context.hpp>
+#include <condition_variable>
 #include <iostream>
+#include <mutex>
 #include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include "api/AccessTokens.h"
+#include "api/OAuthEndpoints.h"
+#include "api/ResourceEndpoints.h"
+#include "events/ChangeWatcher.h"
+#include "events/EventHub.h"
+#include "hooks/FaultInjector.h"
+#include "http/Dispatcher.h"
+#include "http/Listener.h"
+#include "http/Paging.h"
+#include "http/StaticFiles.h"
+#include "store/DataDirectory.h"
 
 namespace vantroserver::http {
 
-class Server::Impl {};
+namespace asio = boost::asio;
 
-Server::Server(ServeOptions) : impl(std::make_shared<Impl>()) {}
+namespace {
+
+// Requests block a worker on SQLite for a short while; a few workers keep the others moving.
+constexpr unsigned kWorkerThreads = 4;
+// How soon a change made by an admin command or another request reaches the event streams.
+constexpr std::chrono::milliseconds kChangePollInterval{100};
+// Advertised when no --rate-limit is given: generous enough that no honest client meets it.
+constexpr RateLimit kDefaultRateLimit{100'000, std::chrono::milliseconds(60'000)};
+
+std::shared_ptr<asio::ssl::context> MakeTlsContext(const ServeOptions& options) {
+    if (!options.tlsCert && !options.tlsKey) {
+        return nullptr;
+    }
+    if (!options.tlsCert || !options.tlsKey) {
+        throw std::runtime_error("TLS needs both a certificate and a key file");
+    }
+    auto context = std::make_shared<asio::ssl::context>(asio::ssl::context::tls_server);
+    context->set_options(asio::ssl::context::default_workarounds | asio::ssl::context::no_sslv2 |
+                         asio::ssl::context::no_sslv3 | asio::ssl::context::no_tlsv1 |
+                         asio::ssl::context::no_tlsv1_1);
+    boost::system::error_code error;
+    context->use_certificate_chain_file(options.tlsCert->string(), error);
+    if (error) {
+        throw std::runtime_error("cannot use TLS certificate " + options.tlsCert->string() + ": " +
+                                 error.message());
+    }
+    context->use_private_key_file(options.tlsKey->string(), asio::ssl::context::pem, error);
+    if (error) {
+        throw std::runtime_error("cannot use TLS key " + options.tlsKey->string() + ": " +
+                                 error.message());
+    }
+    return context;
+}
+
+}  // namespace
+
+class Server::Impl {
+public:
+    explicit Impl(ServeOptions options) : options(std::move(options)) {
+        if (this->options.pageSize == 0 || this->options.pageSize > Paging::kMaxPageSize) {
+            throw std::runtime_error("page size must be from 1 to " +
+                                     std::to_string(Paging::kMaxPageSize));
+        }
+        tls = MakeTlsContext(this->options);
+        directory.emplace(store::DataDirectory::Open(this->options.dataDir));
+        auto store = directory->GetStore();
+
+        hub = std::make_shared<events::EventHub>(events::ChangeWatcher::VisibilityOf(store));
+        watcher = std::make_shared<events::ChangeWatcher>(context, store, hub, kChangePollInterval);
+
+        auto router = std::make_shared<Router>();
+        auto tokens = std::make_shared<const api::AccessTokens>(store, directory->SigningKey(),
+                                                                this->options.accessTokenTtl);
+        std::make_shared<api::OAuthEndpoints>(store, tokens)->AddRoutes(*router);
+        std::make_shared<api::ResourceEndpoints>(store, hub, this->options.pageSize)
+            ->AddRoutes(*router);
+        StaticFiles(directory->StaticDirectory()).AddRoutes(*router);
+        if (this->options.enableTestHooks) {
+            faults = std::make_shared<hooks::FaultInjector>();
+            faults->AddRoutes(*router);
+        }
+        dispatcher = std::make_shared<Dispatcher>(
+            router,
+            std::make_shared<RateLimiter>(this->options.rateLimit.value_or(kDefaultRateLimit)),
+            [tokens](std::string_view token) { return tokens->Verify(token); }, faults);
+    }
+
+    unsigned short Start() {
+        boost::system::error_code error;
+        const auto address = asio::ip::make_address(options.listenAddress, error);
+        if (error) {
+            throw std::runtime_error("cannot listen on '" + options.listenAddress +
+                                     "': not an IP address");
+        }
+        try {
+            listener =
+                std::make_shared<Listener>(context, asio::ip::tcp::endpoint(address, options.port),
+                                           tls, dispatcher, Session::Limits{});
+        } catch (const boost::system::system_error& failure) {
+            throw std::runtime_error("cannot listen on " + options.listenAddress + ":" +
+                                     std::to_string(options.port) + ": " +
+                                     failure.code().message());
+        }
+        listener->Run();
+        watcher->Start();
+        for (unsigned i = 0; i < kWorkerThreads; ++i) {
+            workers.emplace_back([this] { context.run(); });
+        }
+        return listener->Port();
+    }
+
+    void StopOnSignals() {
+        signals.emplace(context, SIGINT, SIGTERM);
+        // The signal set is a member, cancelled in Stop before the object goes: `this` is safe.
+        signals->async_wait([this](boost::system::error_code error, int) {
+            if (!error) {
+                RequestStop();
+            }
+        });
+    }
+
+    void Wait() {
+        std::unique_lock lock(mutex);
+        stopRequested.wait(lock, [this] { return stopping; });
+        lock.unlock();
+        Stop();
+    }
+
+    void RequestStop() {
+        std::lock_guard lock(mutex);
+        stopping = true;
+        stopRequested.notify_all();
+    }
+
+    void Stop() {
+        RequestStop();
+        std::lock_guard lock(stopMutex);
+        if (listener) {
+            listener->Close();
+        }
+        watcher->Stop();
+        if (signals) {
+            boost::system::error_code ignored;
+            signals->cancel(ignored);
+        }
+        context.stop();
+        for (auto& worker : workers) {
+            worker.join();
+        }
+        workers.clear();
+    }
+
+    ~Impl() { Stop(); }
+
+private:
+    // Declared first: everything below uses it and must go before it.
+    asio::io_context context{static_cast<int>(kWorkerThreads)};
+    ServeOptions options;
+    std::shared_ptr<asio::ssl::context> tls;
+    std::optional<store::DataDirectory> directory;
+    std::shared_ptr<events::EventHub> hub;
+    std::shared_ptr<events::ChangeWatcher> watcher;
+    std::shared_ptr<hooks::FaultInjector> faults;
+    std::shared_ptr<Dispatcher> dispatcher;
+    std::shared_ptr<Listener> listener;
+    std::optional<asio::signal_set> signals;
+    std::vector<std::thread> workers;
+
+    std::mutex mutex;
+    std::condition_variable stopRequested;
+    bool stopping = false;
+    std::mutex stopMutex;
+};
+
+Server::Server(ServeOptions options) : impl(std::make_shared<Impl>(std::move(options))) {}
 Server::~Server() = default;
 unsigned short Server::Start() {
-    throw std::runtime_error("the HTTP service is not built yet");
+    return impl->Start();
 }
-void Server::Wait(bool) {}
-void Server::Stop() {}
+void Server::StopOnSignals() {
+    impl->StopOnSignals();
+}
+void Server::Wait() {
+    impl->Wait();
+}
+void Server::Stop() {
+    impl->Stop();
+}
 
 int RunServer(const ServeOptions& options, std::function<void(unsigned short)> onListening) {
     try {
         Server server(options);
-        onListening(server.Start());
-        server.Wait(true);
+        server.StopOnSignals();
+        const unsigned short port = server.Start();
+        onListening(port);
+        server.Wait();
         return 0;
     } catch (const std::exception& error) {
-        std::cerr << "vantro-server: " << error.what() << "\n";
+        std::cerr << "vantro-server: " << error.what() << std::endl;
         return 1;
     }
 }

@@ -23,12 +23,15 @@ public:
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
+    /// Makes SIGINT and SIGTERM stop the server (Wait returns). Call before Start, so a signal
+    /// that comes right after the port is announced is not lost.
+    void StopOnSignals();
     /// Binds, starts the worker threads and returns the port actually listened on.
     unsigned short Start();
-    /// Blocks until Stop() is called or the process receives SIGINT/SIGTERM (when
-    /// `handleSignals`).
-    void Wait(bool handleSignals = false);
-    /// Closes the listener and every connection, joins the workers. Any thread; idempotent.
+    /// Blocks until Stop() is called or a handled signal arrives, then stops.
+    void Wait();
+    /// Closes the listener and every connection, joins the workers. Idempotent; any thread but
+    /// the server's own workers (it joins them).
     void Stop();
 
 private:
