@@ -2,6 +2,7 @@
 // Created once by `init`; read by `serve`. Free functions; any thread.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 

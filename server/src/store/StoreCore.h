@@ -24,6 +24,9 @@ public:
     /// Appends to the journal inside the caller's transaction on `connection`.
     void RecordChange(Connection& connection, ChangeKind kind, std::string_view parentId) const;
 
+    /// Whether `table` (one of ours, never outside input) has a row with `id`.
+    static bool RowExists(Connection& connection, const char* table, std::string_view id);
+
 private:
     std::shared_ptr<Database> database;
     StoreOptions options;

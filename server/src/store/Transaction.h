@@ -1,6 +1,7 @@
-// A write transaction on a leased connection: BEGIN IMMEDIATE on construction (so two writers
-// queue on the busy timeout instead of failing on upgrade), ROLLBACK on destruction unless
-// Commit() was called. Lives on the stack of the thread holding the lease.
+// A transaction on a leased connection, rolled back on destruction unless Commit() was called.
+// Writes begin IMMEDIATE, so two writers queue on the busy timeout instead of failing when a
+// reader upgrades; reads begin DEFERRED and see one snapshot (a page and its total agree).
+// Lives on the stack of the thread holding the lease.
 #pragma once
 
 #include "store/Connection.h"
@@ -9,7 +10,9 @@ namespace vantroserver::store {
 
 class Transaction {
 public:
-    explicit Transaction(Connection& connection);
+    enum class Mode { Read, Write };
+
+    explicit Transaction(Connection& connection, Mode mode = Mode::Write);
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;

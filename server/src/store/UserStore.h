@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +37,9 @@ public:
 
 private:
     std::shared_ptr<StoreCore> core;
+    // A hash checked for unknown usernames, made on first need with the store's cost.
+    mutable std::once_flag decoyOnce;
+    mutable std::string decoyHash;
 };
 
 }  // namespace vantroserver::store
