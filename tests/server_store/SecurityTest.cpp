@@ -30,8 +30,10 @@ TEST(Pkce, RefusesAnotherVerifierAndMalformedOnes) {
     EXPECT_FALSE(Pkce::VerifyS256("short", Pkce::ChallengeS256("short")));
     const std::string withSpace = "dBjftJeZ4CVP mB92K27uhbUJU1p1r_wW1gFWFOEjXk";
     EXPECT_FALSE(Pkce::VerifyS256(withSpace, Pkce::ChallengeS256(withSpace)));
-    EXPECT_FALSE(Pkce::VerifyS256(std::string(129, 'a'), Pkce::ChallengeS256(std::string(129, 'a'))));
-    EXPECT_TRUE(Pkce::VerifyS256(std::string(128, 'a'), Pkce::ChallengeS256(std::string(128, 'a'))));
+    EXPECT_FALSE(
+        Pkce::VerifyS256(std::string(129, 'a'), Pkce::ChallengeS256(std::string(129, 'a'))));
+    EXPECT_TRUE(
+        Pkce::VerifyS256(std::string(128, 'a'), Pkce::ChallengeS256(std::string(128, 'a'))));
     EXPECT_FALSE(Pkce::IsWellFormedChallenge("E9Melhoa2OwvFrEMTJguCHaoeK1t8URWbuGJSstw+cM"));
     EXPECT_FALSE(Pkce::IsWellFormedChallenge(""));
 }
@@ -162,9 +164,8 @@ TEST(JwtCodec, RefusesTheNoneAlgorithmAndMalformedTokens) {
     const JwtCodec codec(kKey);
     const std::string token = codec.Sign(SampleClaims());
     const std::string payload = token.substr(token.find('.') + 1);
-    const std::string unsigned_ =
-        Base64UrlEncode(R"({"alg":"none","typ":"JWT"})") + "." +
-        payload.substr(0, payload.find('.')) + ".";
+    const std::string unsigned_ = Base64UrlEncode(R"({"alg":"none","typ":"JWT"})") + "." +
+                                  payload.substr(0, payload.find('.')) + ".";
     EXPECT_EQ(codec.Verify(unsigned_, 2000).status, JwtStatus::Malformed);
     EXPECT_EQ(codec.Verify("", 2000).status, JwtStatus::Malformed);
     EXPECT_EQ(codec.Verify("a.b", 2000).status, JwtStatus::Malformed);
@@ -172,7 +173,9 @@ TEST(JwtCodec, RefusesTheNoneAlgorithmAndMalformedTokens) {
     EXPECT_EQ(codec.Verify("!!.!!.!!", 2000).status, JwtStatus::Malformed);
 }
 
-TEST(JwtCodec, RefusesAShortKey) { EXPECT_THROW(JwtCodec(std::string(31, 'k')), std::invalid_argument); }
+TEST(JwtCodec, RefusesAShortKey) {
+    EXPECT_THROW(JwtCodec(std::string(31, 'k')), std::invalid_argument);
+}
 
 }  // namespace
 }  // namespace vantroserver::security
