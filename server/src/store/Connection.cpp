@@ -35,6 +35,14 @@ Connection::Connection(const std::filesystem::path& file, bool create,
     // WAL lets readers run beside the writer; NORMAL sync is durable enough in WAL mode (a crash
     // may lose the last commits, never corrupt the file).
     Execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = NORMAL;");
+    // The mode is stored in the file: only a new file (or a foreign one) needs switching, which
+    // keeps pooled connections from asking for the exclusive lock a switch takes.
+    {
+        Statement current = Prepare("PRAGMA journal_mode");
+        if (current.Step() && current.ColumnText(0) == "wal") {
+            return;
+        }
+    }
     Statement journal = Prepare("PRAGMA journal_mode = WAL");
     if (!journal.Step() || journal.ColumnText(0) != "wal") {
         throw StoreError(StoreError::Kind::Database,
