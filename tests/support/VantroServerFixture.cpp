@@ -6,6 +6,7 @@
 
 #include <array>
 #include <boost/json/parse.hpp>
+#include <regex>
 #include <stdexcept>
 
 namespace testsupport {
@@ -50,7 +51,26 @@ std::string PercentDecode(const std::string& text) {
 }  // namespace
 
 std::string VantroServerFixture::AddUser(const std::string& username, const std::string& password) {
-    return Admin({"user", "add", "--username", username, "--password", password});
+    return AdminId({"user", "add", "--username", username, "--password", password});
+}
+
+std::string VantroServerFixture::AdminId(std::vector<std::string> args) {
+    const std::string output = Admin(args);
+    const auto ids = IdsIn(output);
+    if (ids.empty()) {
+        throw std::runtime_error("no id in the output of " + args.front() + ": " + output);
+    }
+    return ids.front();
+}
+
+std::vector<std::string> VantroServerFixture::IdsIn(const std::string& text) {
+    static const std::regex kId("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}");
+    std::vector<std::string> ids;
+    for (auto it = std::sregex_iterator(text.begin(), text.end(), kId);
+         it != std::sregex_iterator(); ++it) {
+        ids.push_back(it->str());
+    }
+    return ids;
 }
 
 std::string VantroServerFixture::NewVerifier() {

@@ -38,6 +38,10 @@ protected:
     std::string AddUser(const std::string& username, const std::string& password = "secret");
     /// Runs an admin command (`--data` is added) and returns its output (the new id, usually).
     std::string Admin(std::vector<std::string> args) { return server.Admin(std::move(args)); }
+    /// Runs an admin command and returns the first id it printed; throws when none.
+    std::string AdminId(std::vector<std::string> args);
+    /// Every id (8-4-4-4-12 lower-case hex) in `text`, in order.
+    static std::vector<std::string> IdsIn(const std::string& text);
 
     void StartServer(std::vector<std::string> extra = {}) { server.Start(std::move(extra)); }
     std::string Url(const std::string& path) const { return server.Url(path); }
