@@ -52,6 +52,14 @@ TEST(Paging, SetsTheFourHeaders) {
     EXPECT_EQ(response.Head()["TOTAL"], "25");
 }
 
+TEST(FormFields, ReadsOnlyTheViewItIsGiven) {
+    // A query cut out of a request line, with more text right after it.
+    const std::string line = "page=2&page_size=1 HTTP/1.1";
+    const auto fields = FormFields::Parse(std::string_view(line).substr(0, 18));
+    ASSERT_TRUE(fields);
+    EXPECT_EQ(FormFields::Find(*fields, "page_size"), "1");
+}
+
 TEST(FormFields, DecodesPlusAndPercentEscapes) {
     const auto fields = FormFields::Parse("a=b+c&d=%2F%20&e");
     ASSERT_TRUE(fields);

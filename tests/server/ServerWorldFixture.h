@@ -56,7 +56,8 @@ protected:
                        const std::string& project) {
         const auto reply =
             client.Get(Url("/v2/teams/" + team + "/projects"), testsupport::Bearer(token));
-        for (const auto& item : reply.Json().as_array()) {
+        const auto projects = reply.Json();
+        for (const auto& item : projects.as_array()) {
             if (item.at("id").as_string() == project) {
                 return std::string(item.at("root_asset_id").as_string());
             }

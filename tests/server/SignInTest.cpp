@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 #include "support/VantroServerFixture.h"
 
 namespace {
@@ -204,11 +207,24 @@ class ShortTokenTest : public testsupport::VantroServerFixture {};
 
 TEST_F(ShortTokenTest, AnExpiredAccessTokenIsRefusedAndRefreshStillWorks) {
     AddUser("ann", "pw");
-    StartServer({"--access-token-ttl", "0"});
+    StartServer({"--access-token-ttl", "1"});
     const auto tokens = SignIn("ann", "pw");
-    EXPECT_EQ(tokens.answer.at("expires_in").as_int64(), 0);
-    EXPECT_EQ(client.Get(Url("/v2/me"), Bearer(tokens.access)).status, 401);
-    EXPECT_EQ(Refresh(tokens.refresh).status, 200);
+    EXPECT_EQ(tokens.answer.at("expires_in").as_int64(), 1);
+    // Expiry is the server's wall clock passing a second: nothing to await, so poll with a
+    // deadline.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    long status = 200;
+    while (status == 200 && std::chrono::steady_clock::now() < deadline) {
+        status = client.Get(Url("/v2/me"), Bearer(tokens.access)).status;
+        if (status == 200) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+    }
+    EXPECT_EQ(status, 401);
+    const auto refreshed = Refresh(tokens.refresh);
+    ASSERT_EQ(refreshed.status, 200);
+    const auto access = std::string(refreshed.Json().at("access_token").as_string());
+    EXPECT_EQ(client.Get(Url("/v2/me"), Bearer(access)).status, 200);
 }
 
 }  // namespace

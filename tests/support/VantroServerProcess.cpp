@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -52,25 +52,31 @@ struct Pipe {
 };
 
 pid_t Spawn(const std::vector<std::string>& args, Pipe* out, Pipe* err) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    if (out) {
-        posix_spawn_file_actions_adddup2(&actions, out->write, STDOUT_FILENO);
-    }
-    if (err) {
-        posix_spawn_file_actions_adddup2(&actions, err->write, STDERR_FILENO);
-    }
     std::vector<char*> argv;
     for (const auto& arg : args) {
         argv.push_back(const_cast<char*>(arg.c_str()));
     }
     argv.push_back(nullptr);
-    pid_t pid = -1;
-    const int error =
-        posix_spawn(&pid, args.front().c_str(), &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) {
-        throw std::system_error(error, std::generic_category(), "posix_spawn " + args.front());
+    const pid_t parent = getpid();
+    const pid_t pid = fork();
+    if (pid < 0) {
+        throw std::system_error(errno, std::generic_category(), "fork");
+    }
+    if (pid == 0) {
+        // Only async-signal-safe calls until exec. A test that crashes takes its server with it
+        // instead of leaving it running.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (getppid() != parent) {
+            _exit(127);
+        }
+        if (out) {
+            dup2(out->write, STDOUT_FILENO);
+        }
+        if (err) {
+            dup2(err->write, STDERR_FILENO);
+        }
+        execve(argv[0], argv.data(), environ);
+        _exit(127);
     }
     return pid;
 }

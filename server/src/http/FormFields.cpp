@@ -11,12 +11,15 @@ std::optional<FormFields::Fields> FormFields::Parse(std::string_view text) {
     if (text.empty()) {
         return fields;
     }
-    if (!boost::urls::parse_query(text)) {
+    // Boost.URL 1.81's query parsing reads its input up to a NUL (strlen) whatever the view's
+    // length: a query cut out of a request target must be copied into a string of its own.
+    const std::string terminated(text);
+    if (!boost::urls::parse_query(terminated)) {
         return std::nullopt;
     }
     boost::urls::encoding_opts options;
     options.space_as_plus = true;
-    const boost::urls::params_view params(text, options);
+    const boost::urls::params_view params(terminated, options);
     for (const auto& param : params) {
         fields.emplace_back(param.key, param.value);
     }

@@ -11,16 +11,9 @@
 #include <thread>
 #include <vector>
 
-#include "api/AccessTokens.h"
-#include "api/OAuthEndpoints.h"
-#include "api/ResourceEndpoints.h"
+#include "api/Service.h"
 #include "events/ChangeWatcher.h"
-#include "events/EventHub.h"
-#include "hooks/FaultInjector.h"
-#include "http/Dispatcher.h"
 #include "http/Listener.h"
-#include "http/Paging.h"
-#include "http/StaticFiles.h"
 #include "store/DataDirectory.h"
 
 namespace vantroserver::http {
@@ -33,8 +26,6 @@ namespace {
 constexpr unsigned kWorkerThreads = 4;
 // How soon a change made by an admin command or another request reaches the event streams.
 constexpr std::chrono::milliseconds kChangePollInterval{100};
-// Advertised when no --rate-limit is given: generous enough that no honest client meets it.
-constexpr RateLimit kDefaultRateLimit{100'000, std::chrono::milliseconds(60'000)};
 
 std::shared_ptr<asio::ssl::context> MakeTlsContext(const ServeOptions& options) {
     if (!options.tlsCert && !options.tlsKey) {
@@ -66,32 +57,11 @@ std::shared_ptr<asio::ssl::context> MakeTlsContext(const ServeOptions& options) 
 class Server::Impl {
 public:
     explicit Impl(ServeOptions options) : options(std::move(options)) {
-        if (this->options.pageSize == 0 || this->options.pageSize > Paging::kMaxPageSize) {
-            throw std::runtime_error("page size must be from 1 to " +
-                                     std::to_string(Paging::kMaxPageSize));
-        }
         tls = MakeTlsContext(this->options);
         directory.emplace(store::DataDirectory::Open(this->options.dataDir));
-        auto store = directory->GetStore();
-
-        hub = std::make_shared<events::EventHub>(events::ChangeWatcher::VisibilityOf(store));
-        watcher = std::make_shared<events::ChangeWatcher>(context, store, hub, kChangePollInterval);
-
-        auto router = std::make_shared<Router>();
-        auto tokens = std::make_shared<const api::AccessTokens>(store, directory->SigningKey(),
-                                                                this->options.accessTokenTtl);
-        std::make_shared<api::OAuthEndpoints>(store, tokens)->AddRoutes(*router);
-        std::make_shared<api::ResourceEndpoints>(store, hub, this->options.pageSize)
-            ->AddRoutes(*router);
-        StaticFiles(directory->StaticDirectory()).AddRoutes(*router);
-        if (this->options.enableTestHooks) {
-            faults = std::make_shared<hooks::FaultInjector>();
-            faults->AddRoutes(*router);
-        }
-        dispatcher = std::make_shared<Dispatcher>(
-            router,
-            std::make_shared<RateLimiter>(this->options.rateLimit.value_or(kDefaultRateLimit)),
-            [tokens](std::string_view token) { return tokens->Verify(token); }, faults);
+        service.emplace(*directory, this->options);
+        watcher = std::make_shared<events::ChangeWatcher>(context, service->Store(), service->Hub(),
+                                                          kChangePollInterval);
     }
 
     unsigned short Start() {
@@ -104,7 +74,7 @@ public:
         try {
             listener =
                 std::make_shared<Listener>(context, asio::ip::tcp::endpoint(address, options.port),
-                                           tls, dispatcher, Session::Limits{});
+                                           tls, service->GetDispatcher(), Session::Limits{});
         } catch (const boost::system::system_error& failure) {
             throw std::runtime_error("cannot listen on " + options.listenAddress + ":" +
                                      std::to_string(options.port) + ": " +
@@ -167,10 +137,8 @@ private:
     ServeOptions options;
     std::shared_ptr<asio::ssl::context> tls;
     std::optional<store::DataDirectory> directory;
-    std::shared_ptr<events::EventHub> hub;
+    std::optional<api::Service> service;
     std::shared_ptr<events::ChangeWatcher> watcher;
-    std::shared_ptr<hooks::FaultInjector> faults;
-    std::shared_ptr<Dispatcher> dispatcher;
     std::shared_ptr<Listener> listener;
     std::optional<asio::signal_set> signals;
     std::vector<std::thread> workers;
