@@ -49,6 +49,12 @@ std::string PercentDecode(const std::string& text) {
 
 }  // namespace
 
+void VantroServerFixture::TearDown() {
+    if (server.Running()) {
+        EXPECT_EQ(server.Stop(), 0) << "vantro-server did not exit cleanly on SIGTERM";
+    }
+}
+
 std::string VantroServerFixture::AddUser(const std::string& username, const std::string& password) {
     // Few PBKDF2 iterations: sign-in stays quick; the default cost is the store tests' business.
     return AdminId({"user", "add", "--username", username, "--password", password,

@@ -34,6 +34,9 @@ protected:
         boost::json::object answer;  ///< The token endpoint's whole answer.
     };
 
+    /// Stops the server and expects a clean exit (no crash, no sanitizer report at shutdown).
+    void TearDown() override;
+
     /// Adds a user through the admin command; returns their id.
     std::string AddUser(const std::string& username, const std::string& password = "secret");
     /// Runs an admin command (`--data` is added) and returns its output (the new id, usually).

@@ -45,6 +45,7 @@ public:
     /// Sends SIGTERM and waits for the exit; returns the exit status (or -1 when not running).
     int Stop();
 
+    bool Running() const { return child > 0; }
     unsigned short Port() const { return port; }
     /// `http://127.0.0.1:PORT` followed by `path`.
     std::string Url(const std::string& path) const;
