@@ -13,6 +13,7 @@ Listener::Listener(asio::io_context& context, const asio::ip::tcp::endpoint& end
                    Session::Limits limits)
     : context(context),
       acceptor(asio::make_strand(context)),
+      retry(acceptor.get_executor()),
       tls(std::move(tls)),
       dispatcher(std::move(dispatcher)),
       limits(limits) {
@@ -34,6 +35,7 @@ void Listener::Close() {
     asio::dispatch(acceptor.get_executor(), [self = shared_from_this()] {
         boost::system::error_code ignored;
         self->acceptor.close(ignored);
+        self->retry.cancel();
     });
 }
 
@@ -45,13 +47,20 @@ void Listener::Accept() {
                 return;
             }
             if (error) {
-                // Out of descriptors and the like: this connection is lost, the next may not be.
+                // Out of descriptors and the like: this connection is lost; try again shortly
+                // rather than spinning on the same failure.
                 std::cerr << "vantro-server: accept failed: " << error.message() << std::endl;
-            } else {
-                boost::system::error_code ignored;
-                socket.set_option(asio::ip::tcp::no_delay(true), ignored);
-                Session::Start(std::move(socket), self->tls, self->dispatcher, self->limits);
+                self->retry.expires_after(std::chrono::milliseconds(100));
+                self->retry.async_wait([self](boost::system::error_code waitError) {
+                    if (!waitError) {
+                        self->Accept();
+                    }
+                });
+                return;
             }
+            boost::system::error_code ignored;
+            socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+            Session::Start(std::move(socket), self->tls, self->dispatcher, self->limits);
             self->Accept();
         });
 }

@@ -5,6 +5,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ssl/context.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <memory>
 
 #include "http/Dispatcher.h"
@@ -30,6 +31,7 @@ private:
 
     boost::asio::io_context& context;
     boost::asio::ip::tcp::acceptor acceptor;
+    boost::asio::steady_timer retry;  // Paces accepting after a failure such as EMFILE.
     std::shared_ptr<boost::asio::ssl::context> tls;
     std::shared_ptr<Dispatcher> dispatcher;
     const Session::Limits limits;

@@ -18,6 +18,7 @@
 #include <boost/beast/ssl/ssl_stream.hpp>
 #include <deque>
 #include <optional>
+#include <vector>
 
 #include "events/EventSubscription.h"
 
@@ -340,6 +341,7 @@ private:
     }
 
     void Linger() {
+        lingerBuffer.resize(16 * 1024);
         stream.async_read_some(
             asio::buffer(lingerBuffer),
             [self = this->shared_from_this()](error_code error, std::size_t bytes) {
@@ -358,7 +360,7 @@ private:
     std::optional<Parser> parser;
     asio::steady_timer timer;
     bool lingerAfterWrite = false;
-    std::array<char, 16 * 1024> lingerBuffer{};
+    std::vector<char> lingerBuffer;  // Allocated only for a connection that lingers.
     std::size_t lingered = 0;
 
     // Event stream state, touched only on the strand.
