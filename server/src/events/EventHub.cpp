@@ -9,6 +9,9 @@ EventHub::EventHub(Visibility visibility) : visibility(std::move(visibility)) {}
 std::shared_ptr<EventSubscription> EventHub::Subscribe(std::string userId) {
     auto subscription = std::make_shared<EventSubscription>(std::move(userId));
     std::lock_guard lock(mutex);
+    // Streams that closed are forgotten here too, so clients that come and go while nothing
+    // changes do not grow the list.
+    std::erase_if(subscriptions, [](const auto& weak) { return weak.expired(); });
     subscriptions.push_back(subscription);
     return subscription;
 }
