@@ -10,8 +10,8 @@ void Connection::StatementFinalizer::operator()(sqlite3_stmt* statement) const {
     sqlite3_finalize(statement);
 }
 
-void Connection::HandleCloser::operator()(sqlite3* handle) const {
-    sqlite3_close(handle);
+void Connection::HandleCloser::operator()(sqlite3* database) const {
+    sqlite3_close(database);
 }
 
 Connection::Connection(const std::filesystem::path& file, bool create,

@@ -38,7 +38,7 @@ private:
     };
 
     struct HandleCloser {
-        void operator()(sqlite3* handle) const;
+        void operator()(sqlite3* database) const;
     };
 
     std::unique_ptr<sqlite3, HandleCloser> handle;
