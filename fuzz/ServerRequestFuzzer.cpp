@@ -64,9 +64,19 @@ struct World {
     }
 };
 
+World* sWorld = nullptr;
+
 World& TheWorld() {
-    static World* world = new World();  // Never destroyed: the fuzzer exits without cleanup.
-    return *world;
+    if (!sWorld) {
+        // Never destroyed (other threads of the store may outlive main); only its directory
+        // goes when the fuzzer exits.
+        sWorld = new World();
+        std::atexit([] {
+            std::error_code ignored;
+            std::filesystem::remove_all(sWorld->directory, ignored);
+        });
+    }
+    return *sWorld;
 }
 
 }  // namespace
