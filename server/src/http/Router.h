@@ -1,0 +1,53 @@
+// The table of routes: method and path pattern to handler. Filled once before the server starts,
+// then only read, from any worker thread.
+//
+//   router.Add(verb::get, "/v2/assets/{id}", Router::Access::Bearer, handler);
+//   auto match = router.Find(verb::get, segments);
+#pragma once
+
+#include <boost/beast/http/verb.hpp>
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "http/PathPattern.h"
+#include "http/RequestContext.h"
+#include "http/Response.h"
+
+namespace vantroserver::http {
+
+class Router {
+public:
+    using Handler = std::function<Response(RequestContext&)>;
+    /// Whether the dispatcher checks a bearer token (and applies the rate limit) first.
+    enum class Access { Public, Bearer };
+
+    struct Route {
+        boost::beast::http::verb method;
+        PathPattern pattern;
+        Access access;
+        Handler handler;
+    };
+    struct Found {
+        const Route* route;
+        PathPattern::Captures captures;
+    };
+    /// The path exists but not for this method; `allowed` goes into the Allow header.
+    struct WrongMethod {
+        std::string allowed;
+    };
+    struct NotFound {};
+    using Match = std::variant<Found, WrongMethod, NotFound>;
+
+    /// Throws std::invalid_argument for a malformed pattern.
+    void Add(boost::beast::http::verb method, std::string_view pattern, Access access,
+             Handler handler);
+    /// HEAD requests find GET routes (the connection drops the body).
+    Match Find(boost::beast::http::verb method, const std::vector<std::string>& segments) const;
+
+private:
+    std::vector<Route> routes;
+};
+
+}  // namespace vantroserver::http
