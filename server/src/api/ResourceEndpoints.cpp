@@ -35,17 +35,28 @@ std::optional<std::string_view> IdParam(const http::RequestContext& context,
     return id;
 }
 
-/// Answers one page of a listing: a JSON array of `items` seen through `view`, with the paging
-/// headers.
-template <typename T, typename View>
-Response PageAnswer(const store::Page<T>& page, const http::Paging& paging, View view) {
+// Every listing's JSON view of an item, except where the item needs more than itself.
+constexpr auto kItemView = [](const auto& item) { return JsonViews::Of(item); };
+
+/// Answers one page of a listing: reads `page` and `page_size`, asks `list` for that page and
+/// answers a JSON array of its items seen through `view`, with the paging headers. Bad paging
+/// parameters answer 400.
+template <typename List, typename View = decltype(kItemView)>
+Response PagedListing(const http::RequestContext& context, std::size_t defaultPageSize,
+                      const List& list, const View& view = kItemView) {
+    std::string error;
+    const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
+    if (!paging) {
+        return BadRequest(error);
+    }
+    const auto page = list(store::PageRequest{paging->Offset(), paging->Limit()});
     boost::json::array items;
     items.reserve(page.items.size());
     for (const auto& item : page.items) {
         items.push_back(view(item));
     }
     auto response = Response::Json(status::ok, items);
-    paging.AddHeaders(response, page.total);
+    paging->AddHeaders(response, page.total);
     return response;
 }
 
@@ -87,16 +98,14 @@ Response ResourceEndpoints::Me(const http::RequestContext& context) const {
 }
 
 Response ResourceEndpoints::Accounts(const http::RequestContext& context) const {
-    std::string error;
-    const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
-    if (!paging) {
-        return BadRequest(error);
-    }
-    const auto page =
-        store->Accounts().ListForUser(context.User().userId, {paging->Offset(), paging->Limit()});
-    return PageAnswer(page, *paging, [](const store::VisibleAccount& visible) {
-        return JsonViews::Of(visible.account, visible.member);
-    });
+    return PagedListing(
+        context, defaultPageSize,
+        [&](store::PageRequest request) {
+            return store->Accounts().ListForUser(context.User().userId, request);
+        },
+        [](const store::VisibleAccount& visible) {
+            return JsonViews::Of(visible.account, visible.member);
+        });
 }
 
 Response ResourceEndpoints::Account(const http::RequestContext& context) const {
@@ -117,14 +126,9 @@ Response ResourceEndpoints::Teams(const http::RequestContext& context) const {
     if (!id || !store->Access().CanSeeAccount(context.User().userId, *id)) {
         return NotFound();
     }
-    std::string error;
-    const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
-    if (!paging) {
-        return BadRequest(error);
-    }
-    const auto page =
-        store->Teams().ListForUser(context.User().userId, *id, {paging->Offset(), paging->Limit()});
-    return PageAnswer(page, *paging, [](const store::Team& team) { return JsonViews::Of(team); });
+    return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
+        return store->Teams().ListForUser(context.User().userId, *id, request);
+    });
 }
 
 Response ResourceEndpoints::Team(const http::RequestContext& context) const {
@@ -141,14 +145,9 @@ Response ResourceEndpoints::Projects(const http::RequestContext& context) const 
     if (!id || !store->Access().CanSeeTeam(context.User().userId, *id)) {
         return NotFound();
     }
-    std::string error;
-    const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
-    if (!paging) {
-        return BadRequest(error);
-    }
-    const auto page = store->Projects().ListForTeam(*id, {paging->Offset(), paging->Limit()});
-    return PageAnswer(page, *paging,
-                      [](const store::Project& project) { return JsonViews::Of(project); });
+    return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
+        return store->Projects().ListForTeam(*id, request);
+    });
 }
 
 Response ResourceEndpoints::SharedProjects(const http::RequestContext& context) const {
@@ -156,15 +155,9 @@ Response ResourceEndpoints::SharedProjects(const http::RequestContext& context) 
     if (!id || !store->Access().CanSeeAccount(context.User().userId, *id)) {
         return NotFound();
     }
-    std::string error;
-    const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
-    if (!paging) {
-        return BadRequest(error);
-    }
-    const auto page = store->Projects().ListSharedWith(context.User().userId, *id,
-                                                       {paging->Offset(), paging->Limit()});
-    return PageAnswer(page, *paging,
-                      [](const store::Project& project) { return JsonViews::Of(project); });
+    return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
+        return store->Projects().ListSharedWith(context.User().userId, *id, request);
+    });
 }
 
 Response ResourceEndpoints::Project(const http::RequestContext& context) const {
@@ -190,14 +183,9 @@ Response ResourceEndpoints::Children(const http::RequestContext& context) const 
     if (!id || !store->Access().CanSeeAsset(context.User().userId, *id)) {
         return NotFound();
     }
-    std::string error;
-    const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
-    if (!paging) {
-        return BadRequest(error);
-    }
-    const auto page = store->Assets().Children(*id, {paging->Offset(), paging->Limit()});
-    return PageAnswer(page, *paging,
-                      [](const store::Asset& asset) { return JsonViews::Of(asset); });
+    return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
+        return store->Assets().Children(*id, request);
+    });
 }
 
 Response ResourceEndpoints::CreateChild(const http::RequestContext& context) const {
