@@ -97,48 +97,34 @@ Page<Asset> AssetStore::Children(std::string_view parentId, PageRequest page) co
 }
 
 Asset AssetStore::CreateFolder(std::string_view parentId, std::string_view name) {
-    ValidateName("the folder name", name, kMaxNameLength, false);
-    auto lease = core->Acquire();
-    Transaction transaction(*lease);
-    const Asset parent = RequireParent(*lease, parentId);
-    if (parent.type != AssetType::Folder) {
-        throw StoreError(StoreError::Kind::Invalid, "folders can only be made inside folders");
-    }
-    Asset folder{security::NewId(),
-                 parent.projectId,
-                 parent.accountId,
-                 parent.id,
-                 std::string(name),
-                 AssetType::Folder,
-                 0,
-                 core->Now()};
-    Insert(*lease, folder);
-    core->RecordChange(*lease, ChangeKind::AssetList, parent.id);
-    transaction.Commit();
-    return folder;
+    return CreateInFolder(parentId, name, AssetType::Folder, "folder");
 }
 
 Asset AssetStore::CreateVersionStack(std::string_view parentId, std::string_view name) {
-    ValidateName("the version stack name", name, kMaxNameLength, false);
+    return CreateInFolder(parentId, name, AssetType::VersionStack, "version stack");
+}
+
+Asset AssetStore::CreateInFolder(std::string_view parentId, std::string_view name, AssetType type,
+                                 const std::string& what) {
+    ValidateName("the " + what + " name", name, kMaxNameLength, false);
     auto lease = core->Acquire();
     Transaction transaction(*lease);
     const Asset parent = RequireParent(*lease, parentId);
     if (parent.type != AssetType::Folder) {
-        throw StoreError(StoreError::Kind::Invalid,
-                         "version stacks can only be made inside folders");
+        throw StoreError(StoreError::Kind::Invalid, what + "s can only be made inside folders");
     }
-    Asset stack{security::NewId(),
+    Asset asset{security::NewId(),
                 parent.projectId,
                 parent.accountId,
                 parent.id,
                 std::string(name),
-                AssetType::VersionStack,
+                type,
                 0,
                 core->Now()};
-    Insert(*lease, stack);
+    Insert(*lease, asset);
     core->RecordChange(*lease, ChangeKind::AssetList, parent.id);
     transaction.Commit();
-    return stack;
+    return asset;
 }
 
 Asset AssetStore::AddFile(std::string_view parentId, std::string_view name, std::int64_t size) {

@@ -42,6 +42,10 @@ public:
     Asset AddFile(std::string_view parentId, std::string_view name, std::int64_t size);
 
 private:
+    // An empty folder or version stack (named `what` in refusals) in the folder `parentId`.
+    Asset CreateInFolder(std::string_view parentId, std::string_view name, AssetType type,
+                         const std::string& what);
+
     std::shared_ptr<StoreCore> core;
 };
 
