@@ -44,6 +44,10 @@ boost::json::object JsonViews::Of(const store::Asset& asset) {
                                {"account_id", asset.accountId},
                                {"filesize", asset.filesize},
                                {"created_at", store::FormatIso8601(asset.createdAt)}};
+    // Only a file in a version stack has a version.
+    if (asset.version > 0) {
+        object["version"] = asset.version;
+    }
     // A project's root folder has no parent: null rather than an empty id.
     if (asset.parentId.empty()) {
         object["parent_id"] = nullptr;

@@ -26,6 +26,8 @@ struct Asset {
     AssetType type = AssetType::Folder;
     /// Bytes: a file's size; a version stack's newest version's size; 0 for a folder.
     std::int64_t filesize = 0;
+    /// A file's place in its version stack, from 1; 0 for anything not in a stack.
+    std::int64_t version = 0;
     Timestamp createdAt;
 };
 

@@ -11,7 +11,7 @@ namespace vantroserver::store {
 namespace {
 
 constexpr const char* kColumns =
-    "id, project_id, account_id, parent_id, name, type, filesize, created_at";
+    "id, project_id, account_id, parent_id, name, type, filesize, version, created_at";
 
 Asset ReadAsset(const Statement& statement) {
     return Asset{statement.ColumnText(0),
@@ -21,7 +21,8 @@ Asset ReadAsset(const Statement& statement) {
                  statement.ColumnText(4),
                  ParseAssetType(statement.ColumnText(5)).value_or(AssetType::Folder),
                  statement.ColumnInt(6),
-                 TimestampFromMilliseconds(statement.ColumnInt(7))};
+                 statement.ColumnInt(7),
+                 TimestampFromMilliseconds(statement.ColumnInt(8))};
 }
 
 std::optional<Asset> FindOn(Connection& connection, std::string_view id) {
@@ -49,7 +50,7 @@ void Insert(Connection& connection, const Asset& asset) {
     connection
         .Prepare(
             "INSERT INTO assets (id, project_id, account_id, parent_id, name, type, "
-            "filesize, created_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?)")
+            "filesize, version, created_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)")
         .Bind(1, asset.id)
         .Bind(2, asset.projectId)
         .Bind(3, asset.accountId)
@@ -57,7 +58,8 @@ void Insert(Connection& connection, const Asset& asset) {
         .Bind(5, asset.name)
         .Bind(6, AssetTypeName(asset.type))
         .Bind(7, asset.filesize)
-        .Bind(8, MillisecondsOf(asset.createdAt))
+        .Bind(8, asset.version)
+        .Bind(9, MillisecondsOf(asset.createdAt))
         .Run();
 }
 
@@ -120,6 +122,7 @@ Asset AssetStore::CreateInFolder(std::string_view parentId, std::string_view nam
                 std::string(name),
                 type,
                 0,
+                0,
                 core->Now()};
     Insert(*lease, asset);
     core->RecordChange(*lease, ChangeKind::AssetList, parent.id);
@@ -160,6 +163,14 @@ Asset AssetStore::AddFile(std::string_view parentId, std::string_view name, std:
         .Bind(1, size)
         .Bind(2, parent.accountId)
         .Run();
+    std::int64_t version = 0;
+    if (parent.type == AssetType::VersionStack) {
+        Statement newest =
+            lease->Prepare("SELECT COALESCE(MAX(version), 0) FROM assets WHERE parent_id = ?");
+        newest.Bind(1, parent.id);
+        newest.Step();
+        version = newest.ColumnInt(0) + 1;
+    }
     Asset file{security::NewId(),
                parent.projectId,
                parent.accountId,
@@ -167,6 +178,7 @@ Asset AssetStore::AddFile(std::string_view parentId, std::string_view name, std:
                std::string(name),
                AssetType::File,
                size,
+               version,
                core->Now()};
     Insert(*lease, file);
     core->RecordChange(*lease, ChangeKind::AssetList, parent.id);

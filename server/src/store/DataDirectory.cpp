@@ -10,6 +10,25 @@
 
 namespace vantroserver::store {
 
+namespace {
+
+// Directories a data directory holds besides its files; made at init, and at open for a data
+// directory made by an older build.
+void CreateSubdirectories(const std::filesystem::path& path) {
+    for (const char* name : {DataDirectory::kStaticDirectoryName,
+                             DataDirectory::kMediaDirectoryName,
+                             DataDirectory::kUploadDirectoryName}) {
+        std::error_code error;
+        std::filesystem::create_directories(path / name, error);
+        if (error) {
+            throw std::runtime_error("cannot create " + (path / name).string() + ": " +
+                                     error.message());
+        }
+    }
+}
+
+}  // namespace
+
 DataDirectory::DataDirectory(std::filesystem::path path, std::shared_ptr<Store> store,
                              std::string signingKey)
     : path(std::move(path)), store(std::move(store)), signingKey(std::move(signingKey)) {}
@@ -38,11 +57,7 @@ DataDirectory DataDirectory::Initialize(const std::filesystem::path& path, Store
         throw std::runtime_error("cannot restrict " + path.string() +
                                  " to its owner: " + std::strerror(errno));
     }
-    fs::create_directories(path / kStaticDirectoryName, error);
-    if (error) {
-        throw std::runtime_error("cannot create " + (path / kStaticDirectoryName).string() + ": " +
-                                 error.message());
-    }
+    CreateSubdirectories(path);
     security::SigningKey::Create(path / kSigningKeyFileName);
     auto store = Store::Open(path / Store::kDatabaseFileName, true, std::move(options));
     store->Clients().Add(kDefaultClientId);
@@ -58,6 +73,7 @@ DataDirectory DataDirectory::Open(const std::filesystem::path& path, StoreOption
                                  " (run `vantro-server init --data " + path.string() + "` first)");
     }
     std::string key = security::SigningKey::Load(path / kSigningKeyFileName);
+    CreateSubdirectories(path);
     auto store = Store::Open(path / Store::kDatabaseFileName, false, std::move(options));
     return DataDirectory(path, std::move(store), std::move(key));
 }

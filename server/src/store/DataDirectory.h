@@ -1,4 +1,5 @@
-// The server's data directory: the database, the signing key and the static files. `init`
+// The server's data directory: the database, the signing key, the static files, the media of
+// completed uploads and the parts of uploads in progress. `init`
 // creates it (0700) with a fresh key (0600) and the desktop client registered; `serve` and the
 // admin commands open it. A value; any thread.
 //
@@ -20,6 +21,8 @@ public:
     static constexpr const char* kDefaultClientId = "vantrokelui-desktop";
     static constexpr const char* kSigningKeyFileName = "signing.key";
     static constexpr const char* kStaticDirectoryName = "static";
+    static constexpr const char* kMediaDirectoryName = "media";
+    static constexpr const char* kUploadDirectoryName = "uploads";
 
     /// Creates the directory (0700; an existing empty one is fine), the database, the key and
     /// the default client. Throws std::runtime_error (or StoreError) with a clear message when
@@ -33,6 +36,10 @@ public:
     std::filesystem::path DatabaseFile() const { return path / Store::kDatabaseFileName; }
     std::filesystem::path SigningKeyFile() const { return path / kSigningKeyFileName; }
     std::filesystem::path StaticDirectory() const { return path / kStaticDirectoryName; }
+    /// The bytes of every completed file asset, one file per asset named by its id.
+    std::filesystem::path MediaDirectory() const { return path / kMediaDirectoryName; }
+    /// The bytes of uploads in progress.
+    std::filesystem::path UploadDirectory() const { return path / kUploadDirectoryName; }
 
     std::shared_ptr<Store> GetStore() const { return store; }
     /// The raw HMAC key (read at open).

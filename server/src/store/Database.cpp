@@ -79,6 +79,8 @@ CREATE TABLE assets (
     name TEXT NOT NULL,
     type TEXT NOT NULL CHECK (type IN ('folder', 'file', 'version_stack')),
     filesize INTEGER NOT NULL DEFAULT 0 CHECK (filesize >= 0),
+    -- A file's place in its version stack (1 is the first); 0 for anything not in a stack.
+    version INTEGER NOT NULL DEFAULT 0 CHECK (version >= 0),
     created_at INTEGER NOT NULL
 );
 CREATE INDEX assets_by_parent ON assets (parent_id, name, id);
@@ -114,6 +116,48 @@ CREATE TABLE changes (
     parent_id TEXT NOT NULL,
     created_at INTEGER NOT NULL
 );
+-- An upload in progress: the file it will become and how it is cut into parts. Its bytes live
+-- in the data directory's uploads/ until it completes, is aborted or expires.
+CREATE TABLE uploads (
+    id TEXT PRIMARY KEY,
+    user_id TEXT NOT NULL REFERENCES users(id) ON DELETE CASCADE,
+    folder_id TEXT NOT NULL REFERENCES assets(id) ON DELETE CASCADE,
+    account_id TEXT NOT NULL REFERENCES accounts(id) ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    filesize INTEGER NOT NULL CHECK (filesize >= 0),
+    part_size INTEGER NOT NULL CHECK (part_size > 0),
+    part_count INTEGER NOT NULL CHECK (part_count >= 1),
+    autoversion_id TEXT,
+    created_at INTEGER NOT NULL,
+    expires_at INTEGER NOT NULL
+);
+CREATE INDEX uploads_by_account ON uploads (account_id);
+CREATE INDEX uploads_by_expiry ON uploads (expires_at);
+CREATE TABLE upload_parts (
+    upload_id TEXT NOT NULL REFERENCES uploads(id) ON DELETE CASCADE,
+    part_number INTEGER NOT NULL CHECK (part_number >= 1),
+    size INTEGER NOT NULL CHECK (size >= 0),
+    sha256 TEXT NOT NULL,
+    received_at INTEGER NOT NULL,
+    PRIMARY KEY (upload_id, part_number)
+) WITHOUT ROWID;
+CREATE TABLE review_links (
+    id TEXT PRIMARY KEY,
+    project_id TEXT NOT NULL REFERENCES projects(id) ON DELETE CASCADE,
+    creator_id TEXT NOT NULL REFERENCES users(id),
+    name TEXT NOT NULL,
+    token TEXT NOT NULL UNIQUE,
+    created_at INTEGER NOT NULL
+);
+CREATE INDEX review_links_by_project ON review_links (project_id, name, id);
+CREATE TABLE review_link_items (
+    link_id TEXT NOT NULL REFERENCES review_links(id) ON DELETE CASCADE,
+    asset_id TEXT NOT NULL REFERENCES assets(id) ON DELETE CASCADE,
+    position INTEGER NOT NULL,
+    created_at INTEGER NOT NULL,
+    PRIMARY KEY (link_id, asset_id)
+) WITHOUT ROWID;
+CREATE INDEX review_link_items_by_asset ON review_link_items (asset_id);
 )sql";
 
 }  // namespace
