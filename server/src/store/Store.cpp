@@ -21,7 +21,8 @@ Store::Store(std::shared_ptr<StoreCore> core)
       assets(core),
       access(core),
       tokens(core),
-      changes(core) {}
+      changes(core),
+      reviewLinks(core) {}
 
 Timestamp Store::Now() const {
     return core->Now();

@@ -16,6 +16,7 @@
 #include "store/ChangeJournal.h"
 #include "store/ClientStore.h"
 #include "store/ProjectStore.h"
+#include "store/ReviewLinkStore.h"
 #include "store/StoreOptions.h"
 #include "store/TeamStore.h"
 #include "store/TokenStore.h"
@@ -44,6 +45,7 @@ public:
     AccessPolicy& Access() { return access; }
     TokenStore& Tokens() { return tokens; }
     ChangeJournal& Changes() { return changes; }
+    ReviewLinkStore& ReviewLinks() { return reviewLinks; }
 
     /// Now, by the store's clock.
     Timestamp Now() const;
@@ -59,6 +61,7 @@ private:
     AccessPolicy access;
     TokenStore tokens;
     ChangeJournal changes;
+    ReviewLinkStore reviewLinks;
 };
 
 }  // namespace vantroserver::store
