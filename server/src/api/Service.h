@@ -12,6 +12,7 @@
 #include "api/AccessTokens.h"
 #include "events/EventHub.h"
 #include "http/Dispatcher.h"
+#include "http/PublicBase.h"
 #include "http/ServeOptions.h"
 #include "store/DataDirectory.h"
 
@@ -29,11 +30,14 @@ public:
     const std::shared_ptr<events::EventHub>& Hub() const { return hub; }
     const std::shared_ptr<const AccessTokens>& Tokens() const { return tokens; }
     const std::shared_ptr<store::Store>& Store() const { return store; }
+    /// Where people reach the server; Server fills it in once it listens.
+    const std::shared_ptr<http::PublicBase>& PublicAddress() const { return publicBase; }
 
 private:
     std::shared_ptr<store::Store> store;
     std::shared_ptr<events::EventHub> hub;
     std::shared_ptr<const AccessTokens> tokens;
+    std::shared_ptr<http::PublicBase> publicBase;
     std::shared_ptr<http::Dispatcher> dispatcher;
 };
 
