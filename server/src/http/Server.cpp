@@ -80,6 +80,8 @@ public:
                                      std::to_string(options.port) + ": " +
                                      failure.code().message());
         }
+        service->PublicAddress()->SetListening(tls != nullptr, options.listenAddress,
+                                               listener->Port());
         listener->Run();
         watcher->Start();
         for (unsigned i = 0; i < kWorkerThreads; ++i) {
