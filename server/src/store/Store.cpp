@@ -22,6 +22,7 @@ Store::Store(std::shared_ptr<StoreCore> core)
       access(core),
       tokens(core),
       changes(core),
+      uploads(core),
       reviewLinks(core) {}
 
 Timestamp Store::Now() const {

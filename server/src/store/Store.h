@@ -20,6 +20,7 @@
 #include "store/StoreOptions.h"
 #include "store/TeamStore.h"
 #include "store/TokenStore.h"
+#include "store/UploadStore.h"
 #include "store/UserStore.h"
 
 namespace vantroserver::store {
@@ -45,6 +46,7 @@ public:
     AccessPolicy& Access() { return access; }
     TokenStore& Tokens() { return tokens; }
     ChangeJournal& Changes() { return changes; }
+    UploadStore& Uploads() { return uploads; }
     ReviewLinkStore& ReviewLinks() { return reviewLinks; }
 
     /// Now, by the store's clock.
@@ -61,6 +63,7 @@ private:
     AccessPolicy access;
     TokenStore tokens;
     ChangeJournal changes;
+    UploadStore uploads;
     ReviewLinkStore reviewLinks;
 };
 
