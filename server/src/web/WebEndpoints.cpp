@@ -1,6 +1,8 @@
 #include "web/WebEndpoints.h"
 
+#include <algorithm>
 #include <boost/beast/http/field.hpp>
+#include <cctype>
 #include <charconv>
 
 #include "http/FormFields.h"
