@@ -191,6 +191,14 @@ void UploadStore::RecordPart(std::string_view uploadId, std::int64_t number, std
     transaction.Commit();
 }
 
+void UploadStore::ForgetPart(std::string_view uploadId, std::int64_t number) {
+    auto lease = core->Acquire();
+    lease->Prepare("DELETE FROM upload_parts WHERE upload_id = ? AND part_number = ?")
+        .Bind(1, uploadId)
+        .Bind(2, number)
+        .Run();
+}
+
 CompletedUpload UploadStore::Complete(std::string_view uploadId,
                                       const std::function<void(const Asset& file)>& placeBytes) {
     auto lease = core->Acquire();

@@ -57,6 +57,9 @@ public:
     void RecordPart(std::string_view uploadId, std::int64_t number, std::int64_t size,
                     std::string_view sha256);
 
+    /// Forgets part `number` (its bytes are about to be rewritten); nothing when not recorded.
+    void ForgetPart(std::string_view uploadId, std::int64_t number);
+
     /// In one transaction: makes the file asset (and its version stack when asked), releases
     /// the upload and calls `placeBytes` with the new file before committing, so that a failure
     /// to place the bytes leaves everything as it was. Throws StoreError: NotFound when the
