@@ -7,6 +7,7 @@
 #include "api/ReviewLinkEndpoints.h"
 #include "events/ChangeWatcher.h"
 #include "hooks/FaultInjector.h"
+#include "hooks/StreamSink.h"
 #include "http/Paging.h"
 #include "http/StaticFiles.h"
 #include "web/WebEndpoints.h"
@@ -29,6 +30,10 @@ Service::Service(const store::DataDirectory& directory, const http::ServeOptions
     std::make_shared<OAuthEndpoints>(store, tokens)->AddRoutes(*router);
     std::make_shared<ResourceEndpoints>(store, hub, options.pageSize)->AddRoutes(*router);
     http::StaticFiles(directory.StaticDirectory()).AddRoutes(*router);
+    uploads = std::make_shared<UploadEndpoints>(store, directory, options.uploadTtl);
+    uploads->AddRoutes(*router);
+    // Uploads that ran out while the server was down go before anyone asks for them.
+    uploads->SweepExpired();
     std::make_shared<ReviewLinkEndpoints>(store, publicBase, options.pageSize)->AddRoutes(*router);
     std::make_shared<web::WebEndpoints>(store, publicBase, directory.SigningKey(),
                                         directory.MediaDirectory(), options.tlsCert.has_value())
@@ -37,6 +42,7 @@ Service::Service(const store::DataDirectory& directory, const http::ServeOptions
     if (options.enableTestHooks) {
         faults = std::make_shared<hooks::FaultInjector>();
         faults->AddRoutes(*router);
+        hooks::StreamSink(directory.UploadDirectory()).AddRoutes(*router);
     }
     dispatcher = std::make_shared<http::Dispatcher>(
         router, std::make_shared<http::RateLimiter>(options.rateLimit.value_or(kDefaultRateLimit)),
