@@ -237,6 +237,12 @@ int main(int argc, char** argv) {
     serve->add_option("--public-url", publicUrl,
                       "Base of the URLs handed out, e.g. https://review.example.org (default: "
                       "the address listened on)");
+    std::int64_t uploadTtl = 86400;
+    serve
+        ->add_option("--upload-ttl", uploadTtl,
+                     "Seconds an unfinished upload is kept before it and its bytes go")
+        ->capture_default_str()
+        ->check(CLI::Range(std::int64_t{1}, std::int64_t{365} * 24 * 3600));
     serve->add_flag("--enable-test-hooks", serveOptions.enableTestHooks,
                     "Enable the fault-injection routes under /test");
     serve->callback([&] {
@@ -246,6 +252,7 @@ int main(int argc, char** argv) {
             serveOptions.rateLimit = ParseRateLimit(rateLimit);
         }
         serveOptions.accessTokenTtl = std::chrono::seconds(accessTokenTtl);
+        serveOptions.uploadTtl = std::chrono::seconds(uploadTtl);
         if (!publicUrl.empty()) {
             if (!vantroserver::http::PublicBase::IsAcceptable(publicUrl)) {
                 throw CLI::ValidationError(
