@@ -59,7 +59,7 @@ TEST_F(ReviewLinkTest, FilesAndStacksAreAddedOnceAndFoldersAreRefused) {
     const std::string linkId(link.at("id").as_string());
     const auto file = AddFile(alphaRoot, "a.mp4", Bytes(100, 1));
     const auto stack = AddStack("shot.mp4");
-    const auto v1 = AddFile(stack, "shot.mp4", Bytes(50, 2));
+    const auto v1 = AddVersion(stack, "shot.mp4", Bytes(50, 2));
     const auto folder = AdminId({"folder", "add", "--parent", alphaRoot, "--name", "Footage"});
 
     const auto added = AddAssets(linkId, {file, stack});
@@ -98,7 +98,7 @@ TEST_F(ReviewLinkTest, AssetsOutsideTheLinksProjectAre404) {
     // Beta is ann's too, but another project; Secret she cannot see at all.
     const auto betaFile = AddFile(RootOf(token, editors, beta), "b.mp4", Bytes(10, 3));
     const auto secretRoot = Store()->Projects().Find(secret)->rootAssetId;
-    const auto secretFile = AddFile(secretRoot, "s.mp4", Bytes(10, 4));
+    const auto secretFile = StoreFile(secretRoot, "s.mp4", Bytes(10, 4));
     EXPECT_EQ(AddAssets(linkId, {betaFile}).status, 404);
     EXPECT_EQ(AddAssets(linkId, {secretFile}).status, 404);
     const auto read = client.Get(Url("/v2/review_links/" + linkId), Bearer(token));
@@ -148,9 +148,9 @@ TEST_F(ReviewLinkTest, AProjectsLinksArePagedByNameThenId) {
 TEST_F(ReviewLinkTest, AStackedItemAlwaysReadsAsItsNewestVersion) {
     const std::string linkId(NewLink().at("id").as_string());
     const auto stack = AddStack("shot.mp4");
-    const auto v1 = AddFile(stack, "shot.mp4", Bytes(10, 6));
+    const auto v1 = AddVersion(stack, "shot.mp4", Bytes(10, 6));
     ASSERT_EQ(AddAssets(linkId, {v1}).status, 200);
-    const auto v2 = AddFile(stack, "shot.mp4", Bytes(12, 7));
+    const auto v2 = AddVersion(stack, "shot.mp4", Bytes(12, 7));
     const auto read = client.Get(Url("/v2/review_links/" + linkId), Bearer(token));
     ASSERT_EQ(read.status, 200) << read.body;
     const auto item = read.Json().at("items").at(0);

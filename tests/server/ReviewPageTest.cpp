@@ -32,7 +32,7 @@ protected:
 
 TEST_F(ReviewPageTest, ThePageShowsTheNewestVersionAndKeepsOlderOnesSelectable) {
     const auto stack = AddStack("Trailer <final>.mp4");
-    const auto v1 = AddFile(stack, "Trailer <final>.mp4", Bytes(1000, 1));
+    const auto v1 = AddVersion(stack, "Trailer <final>.mp4", Bytes(1000, 1));
     const auto path = LinkPath({stack});
 
     const auto first = client.Get(Url(path));
@@ -47,7 +47,7 @@ TEST_F(ReviewPageTest, ThePageShowsTheNewestVersionAndKeepsOlderOnesSelectable) 
     EXPECT_EQ(VideoSource(first.body), path + "/media/" + v1);
 
     // Another version arrives in the same stack: the same URL now plays it.
-    const auto v2 = AddFile(stack, "Trailer <final>.mp4", Bytes(1200, 2));
+    const auto v2 = AddVersion(stack, "Trailer <final>.mp4", Bytes(1200, 2));
     const auto second = client.Get(Url(path));
     ASSERT_EQ(second.status, 200);
     EXPECT_EQ(VideoSource(second.body), path + "/media/" + v2);
@@ -124,9 +124,9 @@ TEST_F(ReviewPageTest, MediaAnswersRangesWithTheTypeOfTheName) {
 
 TEST_F(ReviewPageTest, MediaOfEveryVersionOfAStackedItemIsServed) {
     const auto stack = AddStack("shot.mov");
-    const auto v1 = AddFile(stack, "shot.mov", Bytes(300, 6));
+    const auto v1 = AddVersion(stack, "shot.mov", Bytes(300, 6));
     const auto path = LinkPath({stack});
-    const auto v2 = AddFile(stack, "shot.mov", Bytes(400, 7));
+    const auto v2 = AddVersion(stack, "shot.mov", Bytes(400, 7));
     const auto older = client.Get(Url(path + "/media/" + v1));
     ASSERT_EQ(older.status, 200);
     EXPECT_EQ(older.body, Bytes(300, 6));
@@ -137,7 +137,7 @@ TEST_F(ReviewPageTest, MediaOfEveryVersionOfAStackedItemIsServed) {
 TEST_F(ReviewPageTest, MediaOutsideTheLinkIsRefused) {
     const auto inLink = AddFile(alphaRoot, "in.mp4", Bytes(10, 8));
     const auto beside = AddFile(alphaRoot, "beside.mp4", Bytes(10, 9));
-    const auto stack = AddStack("stack.mp4");
+    const auto stack = EmptyStack("stack.mp4");
     const auto path = LinkPath({inLink});
     EXPECT_EQ(client.Get(Url(path + "/media/" + beside)).status, 404);
     EXPECT_EQ(client.Get(Url(path + "/media/" + stack)).status, 404);

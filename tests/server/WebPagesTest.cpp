@@ -73,8 +73,8 @@ TEST_F(WebPagesTest, OnlyLocalPathsAreFollowedAfterSigningIn) {
 TEST_F(WebPagesTest, TheLinksPageListsTheProjectsLinksForASignedInUser) {
     const auto link = NewLink("Director's <cut>");
     const auto stack = AddStack("shot.mp4");
-    AddFile(stack, "shot.mp4", Bytes(10, 1));
-    AddFile(stack, "shot.mp4", Bytes(10, 2));
+    AddVersion(stack, "shot.mp4", Bytes(10, 1));
+    AddVersion(stack, "shot.mp4", Bytes(10, 2));
     ASSERT_EQ(AddAssets(std::string(link.at("id").as_string()), {stack}).status, 200);
     NewLink("Empty");
 
