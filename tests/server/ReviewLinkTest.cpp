@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <algorithm>
+#include <cctype>
 
 #include "ReviewLinkFixture.h"
 #include "security/Random.h"
@@ -12,6 +13,17 @@ using testsupport::Bearer;
 
 class ReviewLinkTest : public ReviewLinkFixture {};
 
+/// Whether `url` is `base` + `/r/` + 43 base64url characters (256 random bits).
+bool IsLinkUrl(const std::string& url, const std::string& base) {
+    const std::string prefix = base + "/r/";
+    if (url.rfind(prefix, 0) != 0 || url.size() != prefix.size() + 43) {
+        return false;
+    }
+    return std::all_of(
+        url.begin() + static_cast<std::ptrdiff_t>(prefix.size()), url.end(),
+        [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_'; });
+}
+
 TEST_F(ReviewLinkTest, ALinkIsCreatedWithAnAbsoluteUrlOnTheListeningAddress) {
     const auto reply = CreateLink(alpha, "First cut");
     ASSERT_EQ(reply.status, 201) << reply.body;
@@ -22,11 +34,7 @@ TEST_F(ReviewLinkTest, ALinkIsCreatedWithAnAbsoluteUrlOnTheListeningAddress) {
     EXPECT_TRUE(vantroserver::security::IsWellFormedId(link.at("id").as_string()));
     EXPECT_FALSE(link.at("created_at").as_string().empty());
     const std::string url(link.at("url").as_string());
-    // 43 base64url characters: 256 random bits.
-    EXPECT_TRUE(
-        std::regex_match(url, std::regex("http://127\\.0\\.0\\.1:" + std::to_string(server.Port()) +
-                                         "/r/[A-Za-z0-9_-]{43}")))
-        << url;
+    EXPECT_TRUE(IsLinkUrl(url, "http://127.0.0.1:" + std::to_string(server.Port()))) << url;
     EXPECT_NE(NewLink("Second").at("url").as_string(), url);
 }
 
@@ -167,9 +175,7 @@ protected:
 
 TEST_F(PublicUrlTest, TheConfiguredPublicUrlIsTheBaseOfLinks) {
     const std::string url(NewLink().at("url").as_string());
-    EXPECT_TRUE(std::regex_match(
-        url, std::regex("https://review\\.example\\.test/base/r/[A-Za-z0-9_-]{43}")))
-        << url;
+    EXPECT_TRUE(IsLinkUrl(url, "https://review.example.test/base")) << url;
 }
 
 TEST(PublicUrlOption, AUrlWithAQueryIsRefused) {
