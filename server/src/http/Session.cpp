@@ -211,6 +211,9 @@ private:
     void ReadBodyPiece() {
         if (!piece) {
             piece = std::make_unique<char[]>(kStreamPieceSize);
+            // Beast reads as much as the buffer has room for: room for a whole piece means one
+            // system call and one sink write per piece instead of per few kilobytes.
+            buffer.reserve(kStreamPieceSize);
         }
         auto& body = streamParser->get().body();
         body.data = piece.get();
