@@ -13,8 +13,10 @@
 #include <vector>
 
 #include "admin/AdminCommands.h"
+#include "http/PublicBase.h"
 #include "http/Server.h"
 #include "security/PasswordHasher.h"
+#include "store/DataDirectory.h"
 #include "store/StoreOptions.h"
 
 namespace {
@@ -190,11 +192,31 @@ int main(int argc, char** argv) {
     addIterations(seedDemo);
     seedDemo->callback([&] { adminAction = [](AdminCommands& admin) { admin.SeedDemo(); }; });
 
+    auto* token = app.add_subcommand("token", "Access tokens")->require_subcommand(1);
+    auto* tokenIssue = token->add_subcommand(
+        "issue", "Sign a user in without a browser; prints the token endpoint's JSON answer");
+    std::string tokenClient = vantroserver::store::DataDirectory::kDefaultClientId;
+    std::int64_t tokenTtl = 3600;
+    tokenIssue->add_option("--user", userRef, "Username or user id")->required();
+    tokenIssue->add_option("--client", tokenClient, "Client id")->capture_default_str();
+    tokenIssue
+        ->add_option("--access-token-ttl", tokenTtl,
+                     "Access token lifetime in seconds (as the server's)")
+        ->capture_default_str()
+        ->check(CLI::Range(std::int64_t{1}, std::int64_t{30} * 24 * 3600));
+    addData(tokenIssue);
+    tokenIssue->callback([&] {
+        adminAction = [&](AdminCommands& admin) {
+            admin.IssueToken(userRef, tokenClient, std::chrono::seconds(tokenTtl));
+        };
+    });
+
     vantroserver::http::ServeOptions serveOptions;
     std::string listen = "127.0.0.1:8080";
     std::string rateLimit;
     std::int64_t accessTokenTtl = 3600;
     std::string tlsCert, tlsKey;
+    std::string publicUrl;
     auto* serve = app.add_subcommand("serve", "Run the HTTP service until SIGINT or SIGTERM");
     addData(serve);
     serve->add_option("--listen", listen, "HOST:PORT to listen on (port 0 picks a free one)")
@@ -212,6 +234,15 @@ int main(int argc, char** argv) {
         serve->add_option("--tls-key", tlsKey, "TLS private key (PEM)")->check(CLI::ExistingFile);
     certOption->needs(keyOption);
     keyOption->needs(certOption);
+    serve->add_option("--public-url", publicUrl,
+                      "Base of the URLs handed out, e.g. https://review.example.org (default: "
+                      "the address listened on)");
+    std::int64_t uploadTtl = 86400;
+    serve
+        ->add_option("--upload-ttl", uploadTtl,
+                     "Seconds an unfinished upload is kept before it and its bytes go")
+        ->capture_default_str()
+        ->check(CLI::Range(std::int64_t{1}, std::int64_t{365} * 24 * 3600));
     serve->add_flag("--enable-test-hooks", serveOptions.enableTestHooks,
                     "Enable the fault-injection routes under /test");
     serve->callback([&] {
@@ -221,6 +252,15 @@ int main(int argc, char** argv) {
             serveOptions.rateLimit = ParseRateLimit(rateLimit);
         }
         serveOptions.accessTokenTtl = std::chrono::seconds(accessTokenTtl);
+        serveOptions.uploadTtl = std::chrono::seconds(uploadTtl);
+        if (!publicUrl.empty()) {
+            if (!vantroserver::http::PublicBase::IsAcceptable(publicUrl)) {
+                throw CLI::ValidationError(
+                    "--public-url",
+                    "expected an http or https URL without query, got " + publicUrl);
+            }
+            serveOptions.publicUrl = publicUrl;
+        }
         if (!tlsCert.empty()) {
             serveOptions.tlsCert = tlsCert;
             serveOptions.tlsKey = tlsKey;

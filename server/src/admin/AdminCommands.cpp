@@ -1,6 +1,10 @@
 #include "admin/AdminCommands.h"
 
+#include <boost/json/serialize.hpp>
+#include <stdexcept>
+
 #include "admin/DemoSeeder.h"
+#include "api/AccessTokens.h"
 #include "security/Random.h"
 #include "store/StoreError.h"
 
@@ -84,6 +88,24 @@ void AdminCommands::ShareProject(const std::string& projectId, const std::string
     const std::string userId = ResolveUser(user);
     OpenStore().Projects().Share(projectId, userId);
     out << userId << "\n";
+}
+
+void AdminCommands::IssueToken(const std::string& user, const std::string& clientId,
+                               std::chrono::seconds accessTokenTtl) {
+    // The directory again, for its signing key: the access token must verify at `serve`.
+    const auto directory = store::DataDirectory::Open(dataDir, options);
+    const auto userId = ResolveUser(user);
+    if (!OpenStore().Clients().Exists(clientId)) {
+        throw std::runtime_error("no client " + clientId + " (see `client add`)");
+    }
+    const auto grant = OpenStore().Tokens().IssueFamily(userId, clientId);
+    const api::AccessTokens tokens(store, directory.SigningKey(), accessTokenTtl);
+    const boost::json::object answer{
+        {"access_token", tokens.Issue(grant.userId, grant.clientId, grant.familyId)},
+        {"token_type", "Bearer"},
+        {"expires_in", accessTokenTtl.count()},
+        {"refresh_token", grant.refreshToken}};
+    out << boost::json::serialize(answer) << "\n";
 }
 
 void AdminCommands::SeedDemo() {

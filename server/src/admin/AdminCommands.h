@@ -7,6 +7,7 @@
 //   admin.AddUser({"ann", "secret", "Ann", ""});    // prints ann's id
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -39,6 +40,10 @@ public:
     void AddFolder(const std::string& parentId, const std::string& name);
     void AddFile(const std::string& parentId, const std::string& name, std::int64_t size);
     void ShareProject(const std::string& projectId, const std::string& user);
+    /// Signs `user` in for `clientId` (a registered client) without a browser: prints the token
+    /// endpoint's JSON answer (access token of `accessTokenTtl`, refresh token) on one line.
+    void IssueToken(const std::string& user, const std::string& clientId,
+                    std::chrono::seconds accessTokenTtl);
     /// Prints `key=value` lines: credentials and the ids of what was made.
     void SeedDemo();
 

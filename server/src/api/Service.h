@@ -10,8 +10,10 @@
 #include <memory>
 
 #include "api/AccessTokens.h"
+#include "api/UploadEndpoints.h"
 #include "events/EventHub.h"
 #include "http/Dispatcher.h"
+#include "http/PublicBase.h"
 #include "http/ServeOptions.h"
 #include "store/DataDirectory.h"
 
@@ -29,11 +31,17 @@ public:
     const std::shared_ptr<events::EventHub>& Hub() const { return hub; }
     const std::shared_ptr<const AccessTokens>& Tokens() const { return tokens; }
     const std::shared_ptr<store::Store>& Store() const { return store; }
+    /// Where people reach the server; Server fills it in once it listens.
+    const std::shared_ptr<http::PublicBase>& PublicAddress() const { return publicBase; }
+    /// The upload API, for the server's periodic sweep of expired uploads.
+    const std::shared_ptr<UploadEndpoints>& Uploads() const { return uploads; }
 
 private:
     std::shared_ptr<store::Store> store;
     std::shared_ptr<events::EventHub> hub;
     std::shared_ptr<const AccessTokens> tokens;
+    std::shared_ptr<http::PublicBase> publicBase;
+    std::shared_ptr<UploadEndpoints> uploads;
     std::shared_ptr<http::Dispatcher> dispatcher;
 };
 

@@ -2,7 +2,9 @@
 
 #include <boost/beast/http/field.hpp>
 #include <boost/url/parse.hpp>
+#include <functional>
 #include <iostream>
+#include <span>
 
 #include "http/FormFields.h"
 
@@ -35,7 +37,7 @@ std::optional<ParsedTarget> ParseTarget(std::string_view target) {
     return parsed;
 }
 
-std::optional<std::string_view> BearerToken(const RequestContext::Message& request) {
+std::optional<std::string_view> BearerToken(const RequestContext::Header& request) {
     const auto found = request.find(field::authorization);
     if (found == request.end()) {
         return std::nullopt;
@@ -54,6 +56,57 @@ std::optional<std::string_view> BearerToken(const RequestContext::Message& reque
     return value.substr(kScheme.size());
 }
 
+Response ServerError() {
+    return Response::Error(status::internal_server_error, "server_error",
+                           "the server could not answer this request");
+}
+
+/// Puts the dispatcher's headers on a sink's answers and turns what escapes it into a 500.
+class GuardedSink final : public BodySink {
+public:
+    GuardedSink(std::shared_ptr<BodySink> inner, std::string target,
+                std::function<void(Response&)> decorate)
+        : inner(std::move(inner)), target(std::move(target)), decorate(std::move(decorate)) {}
+
+    std::optional<Response> Write(std::span<const char> piece) override {
+        std::optional<Response> refusal;
+        try {
+            refusal = inner->Write(piece);
+        } catch (const std::exception& error) {
+            Fail(error);
+            refusal = ServerError();
+        }
+        if (refusal) {
+            decorate(*refusal);
+        }
+        return refusal;
+    }
+
+    Response Finish() override {
+        Response response;
+        try {
+            response = inner->Finish();
+        } catch (const std::exception& error) {
+            Fail(error);
+            response = ServerError();
+        }
+        decorate(response);
+        return response;
+    }
+
+    void Abort() override { inner->Abort(); }
+
+private:
+    void Fail(const std::exception& error) {
+        std::cerr << "vantro-server: " << target << " failed: " << error.what() << std::endl;
+        inner->Abort();
+    }
+
+    std::shared_ptr<BodySink> inner;
+    std::string target;
+    std::function<void(Response&)> decorate;
+};
+
 }  // namespace
 
 Dispatcher::Dispatcher(std::shared_ptr<const Router> router, std::shared_ptr<RateLimiter> limiter,
@@ -64,7 +117,7 @@ Dispatcher::Dispatcher(std::shared_ptr<const Router> router, std::shared_ptr<Rat
       faults(std::move(faults)) {}
 
 std::optional<hooks::FaultInjector::Fault> Dispatcher::TakeFault(
-    const RequestContext::Message& request) {
+    const RequestContext::Header& request) {
     if (!faults) {
         return std::nullopt;
     }
@@ -76,16 +129,41 @@ std::optional<hooks::FaultInjector::Fault> Dispatcher::TakeFault(
     return faults->Take(parsed->segments);
 }
 
+bool Dispatcher::Streams(const RequestContext::Header& request) const {
+    const auto parsed = ParseTarget(request.target());
+    if (!parsed) {
+        return false;
+    }
+    const auto match = router->Find(request.method(), parsed->segments);
+    const auto* found = std::get_if<Router::Found>(&match);
+    return found && found->route->streamHandler;
+}
+
+Router::StreamStart Dispatcher::DispatchTarget(
+    const RequestContext::Message& request,
+    const std::optional<hooks::FaultInjector::Fault>& fault) {
+    auto parsed = ParseTarget(request.target());
+    if (!parsed) {
+        return Response::Error(status::bad_request, "invalid_request",
+                               "the request target is not a valid path and query");
+    }
+    RequestContext context(request, std::move(parsed->segments), std::move(parsed->query));
+    return DispatchParsed(context, fault);
+}
+
 Response Dispatcher::Dispatch(const RequestContext::Message& request,
                               const std::optional<hooks::FaultInjector::Fault>& fault) {
-    auto parsed = ParseTarget(request.target());
+    auto start = DispatchTarget(request, fault);
     Response response;
-    if (!parsed) {
-        response = Response::Error(status::bad_request, "invalid_request",
-                                   "the request target is not a valid path and query");
+    if (auto* sink = std::get_if<std::shared_ptr<BodySink>>(&start)) {
+        // A streamed route served from a body already in memory: one piece, then the end.
+        auto refusal =
+            request.body().empty()
+                ? std::nullopt
+                : (*sink)->Write(std::span(request.body().data(), request.body().size()));
+        response = refusal ? std::move(*refusal) : (*sink)->Finish();
     } else {
-        RequestContext context(request, std::move(parsed->segments), std::move(parsed->query));
-        response = DispatchParsed(context, fault);
+        response = std::move(std::get<Response>(start));
     }
     if (fault && fault->malformedRateLimitHeaders) {
         response.Set("X-RATELIMIT-LIMIT", "lots");
@@ -94,8 +172,13 @@ Response Dispatcher::Dispatch(const RequestContext::Message& request,
     return response;
 }
 
-Response Dispatcher::DispatchParsed(RequestContext& context,
-                                    const std::optional<hooks::FaultInjector::Fault>& fault) {
+Router::StreamStart Dispatcher::DispatchHeader(
+    const RequestContext::Message& head, const std::optional<hooks::FaultInjector::Fault>& fault) {
+    return DispatchTarget(head, fault);
+}
+
+Router::StreamStart Dispatcher::DispatchParsed(
+    RequestContext& context, const std::optional<hooks::FaultInjector::Fault>& fault) {
     auto match = router->Find(context.Request().method(), context.PathSegments());
     if (std::holds_alternative<Router::NotFound>(match)) {
         return Response::Error(status::not_found, "not_found", "no such resource");
@@ -138,7 +221,23 @@ Response Dispatcher::DispatchParsed(RequestContext& context,
                                    "status injected by a test hook");
     } else {
         try {
-            response = found.route->handler(context);
+            if (found.route->streamHandler) {
+                auto start = found.route->streamHandler(context);
+                if (auto* sink = std::get_if<std::shared_ptr<BodySink>>(&start)) {
+                    return std::make_shared<GuardedSink>(
+                        std::move(*sink), std::string(context.Request().target()),
+                        [limits = limiter->Limit(), authenticated](Response& answer) {
+                            if (authenticated) {
+                                answer.Set("X-RATELIMIT-LIMIT", std::to_string(limits.requests));
+                                answer.Set("X-RATELIMIT-WINDOW",
+                                           std::to_string(limits.window.count()));
+                            }
+                        });
+                }
+                response = std::move(std::get<Response>(start));
+            } else {
+                response = found.route->handler(context);
+            }
         } catch (const std::exception& error) {
             std::cerr << "vantro-server: " << context.Request().method_string() << " "
                       << context.Request().target() << " failed: " << error.what() << std::endl;

@@ -17,6 +17,8 @@ namespace vantroserver::http {
 class RequestContext {
 public:
     using Message = boost::beast::http::request<boost::beast::http::string_body>;
+    /// A request's start line and fields, without its body.
+    using Header = boost::beast::http::request_header<>;
 
     /// The signed-in user of a bearer-authenticated route.
     struct Principal {

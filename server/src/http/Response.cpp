@@ -47,7 +47,7 @@ Response Response::NoContent() {
     return response;
 }
 
-Response Response::File(beasthttp::file_body::value_type body, std::string_view contentType) {
+Response Response::File(FileSliceBody::value_type body, std::string_view contentType) {
     Response response;
     FileMessage m{beasthttp::status::ok, 11};
     m.set(beasthttp::field::content_type, contentType);

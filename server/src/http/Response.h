@@ -3,7 +3,6 @@
 // keeps open. Built by handlers on a worker thread and handed to the connection by value.
 #pragma once
 
-#include <boost/beast/http/file_body.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/status.hpp>
 #include <boost/beast/http/string_body.hpp>
@@ -12,6 +11,8 @@
 #include <string>
 #include <string_view>
 #include <variant>
+
+#include "http/FileSliceBody.h"
 
 namespace vantroserver::events {
 class EventSubscription;
@@ -24,7 +25,7 @@ namespace beasthttp = boost::beast::http;
 class Response {
 public:
     using StringMessage = beasthttp::response<beasthttp::string_body>;
-    using FileMessage = beasthttp::response<beasthttp::file_body>;
+    using FileMessage = beasthttp::response<FileSliceBody>;
     using Header = beasthttp::response_header<>;
 
     Response();
@@ -37,8 +38,9 @@ public:
     static Response Html(beasthttp::status status, std::string body);
     static Response Redirect(std::string_view location);
     static Response NoContent();
-    /// A file streamed from disk; `size` and content type are set from the open body.
-    static Response File(beasthttp::file_body::value_type body, std::string_view contentType);
+    /// A file (or the slice of it the body selects) streamed from disk with 200; see
+    /// RangedFile for answers to conditional and range requests.
+    static Response File(FileSliceBody::value_type body, std::string_view contentType);
     /// Answers 200 `text/event-stream` and hands the connection to `subscription`.
     static Response EventStream(std::shared_ptr<events::EventSubscription> subscription);
 

@@ -4,7 +4,12 @@ namespace vantroserver::http {
 
 void Router::Add(boost::beast::http::verb method, std::string_view pattern, Access access,
                  Handler handler) {
-    routes.push_back(Route{method, PathPattern(pattern), access, std::move(handler)});
+    routes.push_back(Route{method, PathPattern(pattern), access, std::move(handler), {}});
+}
+
+void Router::AddStreamed(boost::beast::http::verb method, std::string_view pattern, Access access,
+                         StreamHandler handler) {
+    routes.push_back(Route{method, PathPattern(pattern), access, {}, std::move(handler)});
 }
 
 Router::Match Router::Find(boost::beast::http::verb method,

@@ -7,10 +7,12 @@
 
 #include <boost/beast/http/verb.hpp>
 #include <functional>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "http/BodySink.h"
 #include "http/PathPattern.h"
 #include "http/RequestContext.h"
 #include "http/Response.h"
@@ -20,6 +22,10 @@ namespace vantroserver::http {
 class Router {
 public:
     using Handler = std::function<Response(RequestContext&)>;
+    /// A route whose body is streamed: given the request's header (its body still unread), the
+    /// answer at once or the sink that takes the body.
+    using StreamStart = std::variant<Response, std::shared_ptr<BodySink>>;
+    using StreamHandler = std::function<StreamStart(RequestContext&)>;
     /// Whether the dispatcher checks a bearer token (and applies the rate limit) first.
     enum class Access { Public, Bearer };
 
@@ -27,7 +33,8 @@ public:
         boost::beast::http::verb method;
         PathPattern pattern;
         Access access;
-        Handler handler;
+        Handler handler;              ///< Empty for a streamed route.
+        StreamHandler streamHandler;  ///< Set only for a streamed route.
     };
     struct Found {
         const Route* route;
@@ -43,6 +50,9 @@ public:
     /// Throws std::invalid_argument for a malformed pattern.
     void Add(boost::beast::http::verb method, std::string_view pattern, Access access,
              Handler handler);
+    /// A route whose body is not read into memory but handed to the sink `handler` returns.
+    void AddStreamed(boost::beast::http::verb method, std::string_view pattern, Access access,
+                     StreamHandler handler);
     /// HEAD requests find GET routes (the connection drops the body).
     Match Find(boost::beast::http::verb method, const std::vector<std::string>& segments) const;
 

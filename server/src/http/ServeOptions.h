@@ -25,6 +25,10 @@ struct ServeOptions {
     std::size_t pageSize = 100;
     std::optional<std::filesystem::path> tlsCert, tlsKey;
     bool enableTestHooks = false;
+    /// How long an upload may stay unfinished before it and its bytes are removed.
+    std::chrono::seconds uploadTtl{86400};
+    /// The base of the URLs handed out (review links); the listening address when empty.
+    std::optional<std::string> publicUrl;
 };
 
 }  // namespace vantroserver::http

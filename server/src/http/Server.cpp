@@ -4,6 +4,7 @@
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/ssl/context.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <condition_variable>
 #include <iostream>
 #include <mutex>
@@ -26,6 +27,9 @@ namespace {
 constexpr unsigned kWorkerThreads = 4;
 // How soon a change made by an admin command or another request reaches the event streams.
 constexpr std::chrono::milliseconds kChangePollInterval{100};
+// How often uploads whose time ran out are removed with their bytes (they answer 404 from the
+// moment they expire; the sweep only frees the disk and the reservation's row).
+constexpr std::chrono::minutes kUploadSweepInterval{10};
 
 std::shared_ptr<asio::ssl::context> MakeTlsContext(const ServeOptions& options) {
     if (!options.tlsCert && !options.tlsKey) {
@@ -80,12 +84,32 @@ public:
                                      std::to_string(options.port) + ": " +
                                      failure.code().message());
         }
+        service->PublicAddress()->SetListening(tls != nullptr, options.listenAddress,
+                                               listener->Port());
         listener->Run();
         watcher->Start();
+        ScheduleUploadSweep();
         for (unsigned i = 0; i < kWorkerThreads; ++i) {
             workers.emplace_back([this] { context.run(); });
         }
         return listener->Port();
+    }
+
+    void ScheduleUploadSweep() {
+        sweepTimer.expires_after(kUploadSweepInterval);
+        // The timer is a member, cancelled in Stop before the object goes: `this` is safe.
+        sweepTimer.async_wait([this](boost::system::error_code error) {
+            if (error) {
+                return;
+            }
+            try {
+                service->Uploads()->SweepExpired();
+            } catch (const std::exception& failure) {
+                std::cerr << "vantro-server: sweeping expired uploads failed: " << failure.what()
+                          << std::endl;
+            }
+            ScheduleUploadSweep();
+        });
     }
 
     void StopOnSignals() {
@@ -118,6 +142,7 @@ public:
             listener->Close();
         }
         watcher->Stop();
+        sweepTimer.cancel();
         if (signals) {
             boost::system::error_code ignored;
             signals->cancel(ignored);
@@ -141,6 +166,7 @@ private:
     std::shared_ptr<events::ChangeWatcher> watcher;
     std::shared_ptr<Listener> listener;
     std::optional<asio::signal_set> signals;
+    asio::steady_timer sweepTimer{context};
     std::vector<std::thread> workers;
 
     std::mutex mutex;

@@ -7,6 +7,7 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/stream_traits.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http/buffer_body.hpp>
 #include <boost/beast/http/chunk_encode.hpp>
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/error.hpp>
@@ -41,6 +42,9 @@ constexpr std::chrono::seconds kHandshakeTimeout{10};
 constexpr std::chrono::seconds kLingerTimeout{5};
 constexpr std::size_t kLingerBytes = 8 * 1024 * 1024;
 
+// How much of a streamed body is handed to its sink at a time.
+constexpr std::size_t kStreamPieceSize = 256 * 1024;
+
 template <class Stream>
 class Connection : public std::enable_shared_from_this<Connection<Stream>> {
 public:
@@ -51,6 +55,13 @@ public:
           dispatcher(std::move(dispatcher)),
           limits(limits),
           timer(stream.get_executor()) {}
+
+    ~Connection() {
+        // The server stopped with a body half read: its sink keeps nothing.
+        if (sink) {
+            sink->Abort();
+        }
+    }
 
     void Run() {
         // Start on the connection's strand: nothing of it runs elsewhere from here on.
@@ -70,7 +81,11 @@ public:
     }
 
 private:
+    // The header is read alone; the route then decides whether the body is read into memory
+    // (Parser) or streamed to a sink (StreamParser).
+    using HeaderParser = beasthttp::request_parser<beasthttp::empty_body>;
     using Parser = beasthttp::request_parser<beasthttp::string_body>;
+    using StreamParser = beasthttp::request_parser<beasthttp::buffer_body>;
 
     static Stream MakeStream(asio::ip::tcp::socket socket,
                              const std::shared_ptr<asio::ssl::context>& context) {
@@ -82,11 +97,16 @@ private:
     }
 
     void ReadHeader() {
-        parser.emplace();
-        parser->body_limit(limits.maxBody);
-        parser->header_limit(limits.maxHeader);
+        parser.reset();
+        streamParser.reset();
+        streamedHead.reset();
+        sink.reset();
+        headerParser.emplace();
+        // The body's limit depends on the route; OnHeader applies it.
+        headerParser->body_limit(boost::none);
+        headerParser->header_limit(limits.maxHeader);
         beast::get_lowest_layer(stream).expires_after(limits.idleTimeout);
-        beasthttp::async_read_header(stream, buffer, *parser,
+        beasthttp::async_read_header(stream, buffer, *headerParser,
                                      [self = this->shared_from_this()](
                                          error_code error, std::size_t) { self->OnHeader(error); });
     }
@@ -96,6 +116,14 @@ private:
             FailRead(error);
             return;
         }
+        version = headerParser->get().version();
+        if (dispatcher->Streams(headerParser->get())) {
+            StartStreamedBody();
+            return;
+        }
+        parser.emplace(std::move(*headerParser));
+        headerParser.reset();
+        parser->body_limit(limits.maxBody);
         const auto& request = parser->get();
         const auto length = parser->content_length();
         if (length && *length > limits.maxBody) {
@@ -107,19 +135,133 @@ private:
             Process();
             return;
         }
-        if (beast::iequals(request[beasthttp::field::expect], "100-continue")) {
-            auto interim = std::make_shared<beasthttp::response<beasthttp::empty_body>>(
-                status::continue_, request.version());
-            beasthttp::async_write(
-                stream, *interim,
-                [self = this->shared_from_this(), interim](error_code writeError, std::size_t) {
-                    if (!writeError) {
-                        self->ReadBody();
+        if (ExpectsContinue(request)) {
+            SendContinue([self = this->shared_from_this()] { self->ReadBody(); });
+            return;
+        }
+        ReadBody();
+    }
+
+    static bool ExpectsContinue(const RequestContext::Header& request) {
+        return beast::iequals(request[beasthttp::field::expect], "100-continue");
+    }
+
+    template <class Next>
+    void SendContinue(Next next) {
+        auto interim = std::make_shared<beasthttp::response<beasthttp::empty_body>>(
+            status::continue_, version);
+        beasthttp::async_write(
+            stream, *interim,
+            [interim, next = std::move(next)](error_code writeError, std::size_t) mutable {
+                if (!writeError) {
+                    next();
+                }
+            });
+    }
+
+    // A streamed body: the route answers on the header (token, rate limit and injected faults
+    // apply here), then its sink takes the body piece by piece.
+    void StartStreamedBody() {
+        streamedHead.emplace(headerParser->get().base());
+        streamParser.emplace(std::move(*headerParser));
+        headerParser.reset();
+        streamParser->body_limit(boost::none);
+        auto fault = dispatcher->TakeFault(*streamedHead);
+        if (fault && fault->delay.count() > 0) {
+            timer.expires_after(fault->delay);
+            timer.async_wait(
+                [self = this->shared_from_this(), fault = std::move(fault)](error_code error) {
+                    if (!error) {
+                        self->DispatchStreamed(fault);
                     }
                 });
             return;
         }
-        ReadBody();
+        DispatchStreamed(fault);
+    }
+
+    void DispatchStreamed(const std::optional<hooks::FaultInjector::Fault>& fault) {
+        if (fault && fault->drop) {
+            Drop();
+            return;
+        }
+        auto start = dispatcher->DispatchHeader(*streamedHead, fault);
+        if (auto* answer = std::get_if<Response>(&start)) {
+            if (streamParser->is_done()) {
+                Write(std::move(*answer), streamedHead->keep_alive(), false);
+            } else {
+                // The body stays unread: the connection cannot carry another request.
+                lingerAfterWrite = true;
+                Write(std::move(*answer), false, false);
+            }
+            return;
+        }
+        sink = std::move(std::get<std::shared_ptr<BodySink>>(start));
+        if (streamParser->is_done()) {
+            FinishStreamedBody();
+            return;
+        }
+        if (ExpectsContinue(*streamedHead)) {
+            SendContinue([self = this->shared_from_this()] { self->ReadBodyPiece(); });
+            return;
+        }
+        ReadBodyPiece();
+    }
+
+    void ReadBodyPiece() {
+        if (!piece) {
+            piece = std::make_unique<char[]>(kStreamPieceSize);
+            // Beast reads as much as the buffer has room for: room for a whole piece means one
+            // system call and one sink write per piece instead of per few kilobytes.
+            buffer.reserve(kStreamPieceSize);
+        }
+        auto& body = streamParser->get().body();
+        body.data = piece.get();
+        body.size = kStreamPieceSize;
+        beast::get_lowest_layer(stream).expires_after(limits.idleTimeout);
+        beasthttp::async_read_some(
+            stream, buffer, *streamParser,
+            [self = this->shared_from_this()](error_code error, std::size_t) {
+                self->OnBodyPiece(error);
+            });
+    }
+
+    void OnBodyPiece(error_code error) {
+        if (error == beasthttp::error::need_buffer) {
+            error = {};
+        }
+        if (error) {
+            auto dropped = std::move(sink);
+            dropped->Abort();
+            FailRead(error);
+            return;
+        }
+        const std::size_t got = kStreamPieceSize - streamParser->get().body().size;
+        if (got > 0) {
+            if (auto refusal = sink->Write(std::span<const char>(piece.get(), got))) {
+                sink.reset();
+                lingerAfterWrite = true;
+                Write(std::move(*refusal), false, false);
+                return;
+            }
+        }
+        if (streamParser->is_done()) {
+            FinishStreamedBody();
+            return;
+        }
+        ReadBodyPiece();
+    }
+
+    void FinishStreamedBody() {
+        auto finished = std::move(sink);
+        Write(finished->Finish(), streamedHead->keep_alive(), false);
+    }
+
+    void Drop() {
+        error_code ignored;
+        beast::get_lowest_layer(stream).socket().shutdown(asio::ip::tcp::socket::shutdown_both,
+                                                          ignored);
+        beast::get_lowest_layer(stream).close();
     }
 
     void ReadBody() {
@@ -174,10 +316,7 @@ private:
 
     void Answer(const std::optional<hooks::FaultInjector::Fault>& fault) {
         if (fault && fault->drop) {
-            error_code ignored;
-            beast::get_lowest_layer(stream).socket().shutdown(asio::ip::tcp::socket::shutdown_both,
-                                                              ignored);
-            beast::get_lowest_layer(stream).close();
+            Drop();
             return;
         }
         const auto& request = parser->get();
@@ -190,7 +329,6 @@ private:
     }
 
     void Write(Response response, bool keepAlive, bool headOnly) {
-        const unsigned version = parser && parser->is_header_done() ? parser->get().version() : 11;
         auto generator = [&]() -> beasthttp::message_generator {
             auto finish = [&](auto& message) -> beasthttp::message_generator {
                 message.version(version);
@@ -226,7 +364,7 @@ private:
         subscription = response.Stream();
         auto head = std::make_shared<beasthttp::response<beasthttp::empty_body>>(
             std::move(response.AsString().base()));
-        head->version(parser->get().version());
+        head->version(version);
         head->keep_alive(true);
         head->chunked(true);
         auto serializer =
@@ -357,7 +495,16 @@ private:
     std::shared_ptr<Dispatcher> dispatcher;
     const Session::Limits limits;
     beast::flat_buffer buffer;
+    std::optional<HeaderParser> headerParser;
     std::optional<Parser> parser;
+    unsigned version = 11;  // Of the request being answered; 1.1 until a header is read.
+
+    // Streamed body state: the request's header, the parser that reads its body into `piece`
+    // and the route's sink.
+    std::optional<StreamParser> streamParser;
+    std::optional<RequestContext::Message> streamedHead;
+    std::shared_ptr<BodySink> sink;
+    std::unique_ptr<char[]> piece;
     asio::steady_timer timer;
     bool lingerAfterWrite = false;
     std::vector<char> lingerBuffer;  // Allocated only for a connection that lingers.

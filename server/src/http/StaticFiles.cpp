@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <utility>
+
+#include "http/RangedFile.h"
 
 namespace vantroserver::http {
 
@@ -22,7 +25,7 @@ bool IsPlainName(std::string_view name) {
 StaticFiles::StaticFiles(std::filesystem::path directory) : directory(std::move(directory)) {}
 
 std::string_view StaticFiles::ContentType(std::string_view name) {
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 12> kTypes{{
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kTypes{{
         {".html", "text/html; charset=utf-8"},
         {".css", "text/css; charset=utf-8"},
         {".js", "text/javascript; charset=utf-8"},
@@ -34,10 +37,17 @@ std::string_view StaticFiles::ContentType(std::string_view name) {
         {".ico", "image/x-icon"},
         {".mp4", "video/mp4"},
         {".webm", "video/webm"},
+        {".mov", "video/quicktime"},
+        {".mkv", "video/x-matroska"},
+        {".m4v", "video/mp4"},
         {".woff2", "font/woff2"},
     }};
     for (const auto& [extension, type] : kTypes) {
-        if (name.size() > extension.size() && name.ends_with(extension)) {
+        if (name.size() > extension.size() &&
+            std::equal(extension.begin(), extension.end(), name.end() - extension.size(),
+                       [](char ours, char theirs) {
+                           return ours == std::tolower(static_cast<unsigned char>(theirs));
+                       })) {
             return type;
         }
     }
@@ -50,17 +60,9 @@ Response StaticFiles::Serve(const RequestContext& context) const {
         return Response::Error(beasthttp::status::not_found, "not_found", "no such file");
     }
     const auto path = directory / std::filesystem::path(std::string(name));
-    std::error_code statError;
-    if (!std::filesystem::is_regular_file(path, statError)) {
-        return Response::Error(beasthttp::status::not_found, "not_found", "no such file");
-    }
-    beasthttp::file_body::value_type body;
-    boost::beast::error_code openError;
-    body.open(path.c_str(), boost::beast::file_mode::scan, openError);
-    if (openError) {
-        return Response::Error(beasthttp::status::not_found, "not_found", "no such file");
-    }
-    return Response::File(std::move(body), ContentType(name));
+    RangedFile::Options options;
+    options.contentType = ContentType(name);
+    return RangedFile::Serve(context, path, options);
 }
 
 void StaticFiles::AddRoutes(Router& router) const {

@@ -37,8 +37,9 @@ public:
     Asset CreateVersionStack(std::string_view parentId, std::string_view name);
 
     /// A file of `size` bytes in a folder, or the next version in a version stack (whose size
-    /// becomes this one's; the file's `version` is one more than the stack's newest). Throws as CreateFolder, plus Invalid for a negative size and
-    /// StorageLimit when the account would use more than its limit.
+    /// becomes this one's; the file's `version` is one more than the stack's newest). Throws as
+    /// CreateFolder, plus Invalid for a negative size and StorageLimit when the account would use
+    /// more than its limit.
     Asset AddFile(std::string_view parentId, std::string_view name, std::int64_t size);
 
 private:

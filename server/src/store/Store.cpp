@@ -21,7 +21,9 @@ Store::Store(std::shared_ptr<StoreCore> core)
       assets(core),
       access(core),
       tokens(core),
-      changes(core) {}
+      changes(core),
+      uploads(core),
+      reviewLinks(core) {}
 
 Timestamp Store::Now() const {
     return core->Now();

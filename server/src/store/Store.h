@@ -16,9 +16,11 @@
 #include "store/ChangeJournal.h"
 #include "store/ClientStore.h"
 #include "store/ProjectStore.h"
+#include "store/ReviewLinkStore.h"
 #include "store/StoreOptions.h"
 #include "store/TeamStore.h"
 #include "store/TokenStore.h"
+#include "store/UploadStore.h"
 #include "store/UserStore.h"
 
 namespace vantroserver::store {
@@ -44,6 +46,8 @@ public:
     AccessPolicy& Access() { return access; }
     TokenStore& Tokens() { return tokens; }
     ChangeJournal& Changes() { return changes; }
+    UploadStore& Uploads() { return uploads; }
+    ReviewLinkStore& ReviewLinks() { return reviewLinks; }
 
     /// Now, by the store's clock.
     Timestamp Now() const;
@@ -59,6 +63,8 @@ private:
     AccessPolicy access;
     TokenStore tokens;
     ChangeJournal changes;
+    UploadStore uploads;
+    ReviewLinkStore reviewLinks;
 };
 
 }  // namespace vantroserver::store

@@ -178,6 +178,31 @@ TokenGrant TokenStore::RotateRefreshToken(std::string_view refreshToken,
     return result;
 }
 
+TokenGrant TokenStore::IssueFamily(std::string_view userId, std::string_view clientId) {
+    auto lease = core->Acquire();
+    Transaction transaction(*lease);
+    if (!security::IsWellFormedId(userId) || !StoreCore::RowExists(*lease, "users", userId)) {
+        throw StoreError(StoreError::Kind::NotFound, "no user " + std::string(userId));
+    }
+    TokenGrant result;
+    result.userId = userId;
+    result.clientId = clientId;
+    result.familyId = security::NewId();
+    lease
+        ->Prepare(
+            "INSERT INTO token_families (id, user_id, client_id, revoked, created_at) "
+            "VALUES (?, ?, ?, 0, ?)")
+        .Bind(1, result.familyId)
+        .Bind(2, result.userId)
+        .Bind(3, result.clientId)
+        .Bind(4, MillisecondsOf(core->Now()))
+        .Run();
+    result.refreshToken = InsertRefreshToken(*core, *lease, result.familyId);
+    result.status = GrantStatus::Granted;
+    transaction.Commit();
+    return result;
+}
+
 bool TokenStore::RevokeRefreshToken(std::string_view refreshToken) {
     auto lease = core->Acquire();
     Transaction transaction(*lease);

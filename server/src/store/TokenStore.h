@@ -58,6 +58,10 @@ public:
     /// rotated revokes the family (Reused).
     TokenGrant RotateRefreshToken(std::string_view refreshToken, std::string_view clientId);
 
+    /// A new family for `userId` and `clientId` without a code, for sign-in from an admin's
+    /// terminal. Throws StoreError(NotFound) for an unknown user.
+    TokenGrant IssueFamily(std::string_view userId, std::string_view clientId);
+
     /// Revokes the token's family. False when the token is unknown.
     bool RevokeRefreshToken(std::string_view refreshToken);
 

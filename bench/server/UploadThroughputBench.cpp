@@ -1,0 +1,317 @@
+// Upload throughput of the review server over loopback: a 1 GiB file uploaded through the
+// upload API in 4 parts sent in parallel (SHA-256 of each part and of the whole file computed
+// by the client first, create + parts + complete timed), against the same file streamed in one
+// plain PUT by the curl command-line tool to /test/sink (the baseline: one body written to
+// disk, no checksums). Prints MB/s for both and the ratio chunked / plain. Any error fails the
+// run.
+//
+//   build/release/bin/UploadThroughputBench [size-MiB] [parts]
+#include <curl/curl.h>
+#include <fcntl.h>
+#include <openssl/evp.h>
+#include <unistd.h>
+
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "api/AccessTokens.h"
+#include "http/Server.h"
+#include "store/DataDirectory.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using namespace vantroserver;
+
+constexpr std::uint64_t kMiB = 1024 * 1024;
+
+std::string Hex(const unsigned char* digest, unsigned int length) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string hex;
+    for (unsigned int i = 0; i < length; ++i) {
+        hex.push_back(kDigits[digest[i] >> 4]);
+        hex.push_back(kDigits[digest[i] & 0x0f]);
+    }
+    return hex;
+}
+
+/// SHA-256 of `size` bytes of the file from `offset`, as hex.
+std::string Sha256Of(int descriptor, std::uint64_t offset, std::uint64_t size) {
+    EVP_MD_CTX* context = EVP_MD_CTX_new();
+    EVP_DigestInit_ex(context, EVP_sha256(), nullptr);
+    std::vector<char> block(4 * kMiB);
+    while (size > 0) {
+        const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, block.size()));
+        const ssize_t got = ::pread(descriptor, block.data(), wanted, static_cast<off_t>(offset));
+        if (got <= 0) {
+            break;
+        }
+        EVP_DigestUpdate(context, block.data(), static_cast<std::size_t>(got));
+        offset += static_cast<std::uint64_t>(got);
+        size -= static_cast<std::uint64_t>(got);
+    }
+    unsigned char digest[EVP_MAX_MD_SIZE];
+    unsigned int length = 0;
+    EVP_DigestFinal_ex(context, digest, &length);
+    EVP_MD_CTX_free(context);
+    return Hex(digest, length);
+}
+
+struct Part {
+    std::string url;
+    std::uint64_t offset = 0;
+    std::uint64_t size = 0;
+    std::uint64_t sent = 0;
+    std::string sha256;
+    int descriptor = -1;
+    std::string answer;
+    long status = 0;
+    curl_slist* headers = nullptr;
+};
+
+std::size_t ReadPart(char* buffer, std::size_t size, std::size_t count, void* user) {
+    auto& part = *static_cast<Part*>(user);
+    const auto wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>(size * count, part.size - part.sent));
+    if (wanted == 0) {
+        return 0;
+    }
+    const ssize_t got =
+        ::pread(part.descriptor, buffer, wanted, static_cast<off_t>(part.offset + part.sent));
+    if (got <= 0) {
+        return CURL_READFUNC_ABORT;
+    }
+    part.sent += static_cast<std::uint64_t>(got);
+    return static_cast<std::size_t>(got);
+}
+
+std::size_t Append(char* data, std::size_t size, std::size_t count, void* out) {
+    static_cast<std::string*>(out)->append(data, size * count);
+    return size * count;
+}
+
+/// One JSON request; the status and answer.
+std::pair<long, std::string> Request(const std::string& method, const std::string& url,
+                                     const std::string& authorization, const std::string& body) {
+    CURL* curl = curl_easy_init();
+    curl_slist* headers = curl_slist_append(nullptr, authorization.c_str());
+    headers = curl_slist_append(headers, "Content-Type: application/json");
+    std::string answer;
+    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, method.c_str());
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers);
+    curl_easy_setopt(curl, CURLOPT_POSTFIELDS, body.c_str());
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &Append);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &answer);
+    long status = 0;
+    if (curl_easy_perform(curl) == CURLE_OK) {
+        curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
+    }
+    curl_slist_free_all(headers);
+    curl_easy_cleanup(curl);
+    return {status, answer};
+}
+
+/// Sends the parts at once over their own connections; true when each answered 200.
+bool SendParts(std::vector<Part>& parts, const std::string& authorization) {
+    CURLM* multi = curl_multi_init();
+    for (Part& part : parts) {
+        part.headers = curl_slist_append(nullptr, authorization.c_str());
+        part.headers =
+            curl_slist_append(part.headers, ("X-Content-SHA256: " + part.sha256).c_str());
+        part.headers = curl_slist_append(part.headers, "Expect:");
+        CURL* easy = curl_easy_init();
+        curl_easy_setopt(easy, CURLOPT_URL, part.url.c_str());
+        curl_easy_setopt(easy, CURLOPT_UPLOAD, 1L);
+        curl_easy_setopt(easy, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(part.size));
+        curl_easy_setopt(easy, CURLOPT_READFUNCTION, &ReadPart);
+        curl_easy_setopt(easy, CURLOPT_READDATA, &part);
+        curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Append);
+        curl_easy_setopt(easy, CURLOPT_WRITEDATA, &part.answer);
+        curl_easy_setopt(easy, CURLOPT_HTTPHEADER, part.headers);
+        curl_easy_setopt(easy, CURLOPT_PRIVATE, &part);
+        curl_easy_setopt(easy, CURLOPT_UPLOAD_BUFFERSIZE, 2L * 1024 * 1024);
+        curl_multi_add_handle(multi, easy);
+    }
+    int running = 0;
+    do {
+        curl_multi_perform(multi, &running);
+        if (running > 0) {
+            curl_multi_poll(multi, nullptr, 0, 1000, nullptr);
+        }
+    } while (running > 0);
+    bool ok = true;
+    int queued = 0;
+    while (CURLMsg* message = curl_multi_info_read(multi, &queued)) {
+        if (message->msg != CURLMSG_DONE) {
+            continue;
+        }
+        Part* part = nullptr;
+        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &part);
+        if (message->data.result == CURLE_OK) {
+            curl_easy_getinfo(message->easy_handle, CURLINFO_RESPONSE_CODE, &part->status);
+        }
+        if (part->status != 200) {
+            std::fprintf(stderr, "part at %llu: %ld %s\n",
+                         static_cast<unsigned long long>(part->offset), part->status,
+                         part->answer.c_str());
+            ok = false;
+        }
+        curl_multi_remove_handle(multi, message->easy_handle);
+        curl_easy_cleanup(message->easy_handle);
+    }
+    curl_multi_cleanup(multi);
+    for (Part& part : parts) {
+        curl_slist_free_all(part.headers);
+    }
+    return ok;
+}
+
+double Seconds(Clock::duration duration) {
+    return std::chrono::duration<double>(duration).count();
+}
+
+double MegabytesPerSecond(std::uint64_t bytes, double seconds) {
+    return static_cast<double>(bytes) / 1e6 / seconds;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::uint64_t size = (argc > 1 ? std::stoull(argv[1]) : 1024) * kMiB;
+    const std::uint64_t partCount = argc > 2 ? std::stoull(argv[2]) : 4;
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+
+    char pattern[] = "/tmp/vantro-bench-XXXXXX";
+    const std::filesystem::path root = mkdtemp(pattern);
+    const auto dataDir = root / "data";
+    store::StoreOptions storeOptions;
+    storeOptions.passwordIterations = 1000;
+    auto directory = store::DataDirectory::Initialize(dataDir, storeOptions);
+    auto store = directory.GetStore();
+    const auto user = store->Users().Add({"bench", "bench", "", ""});
+    const auto account = store->Accounts().Add("Bench", user.id, 1LL << 40);
+    const auto team = store->Teams().Add(account.id, "Team", {user.id});
+    const auto project = store->Projects().Add(team.id, "Project");
+    const api::AccessTokens tokens(store, directory.SigningKey(), std::chrono::hours(1));
+    const std::string authorization =
+        "Authorization: Bearer " + tokens.Issue(user.id, "vantrokelui-desktop", "");
+
+    // Random bytes (xorshift: cheap, and nothing for a filesystem to compress or skip).
+    const auto source = root / "source.mov";
+    {
+        const int out = ::open(source.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        std::vector<std::uint64_t> block(kMiB / sizeof(std::uint64_t));
+        std::uint64_t state = 0x9e3779b97f4a7c15ULL;
+        for (std::uint64_t written = 0; written < size; written += kMiB) {
+            for (auto& word : block) {
+                state ^= state << 13;
+                state ^= state >> 7;
+                state ^= state << 17;
+                word = state;
+            }
+            const auto count =
+                static_cast<std::size_t>(std::min<std::uint64_t>(kMiB, size - written));
+            if (::write(out, block.data(), count) != static_cast<ssize_t>(count)) {
+                std::fprintf(stderr, "cannot write the source file\n");
+                return 1;
+            }
+        }
+        ::close(out);
+    }
+
+    http::ServeOptions options;
+    options.dataDir = dataDir;
+    options.listenAddress = "127.0.0.1";
+    options.enableTestHooks = true;
+    http::Server server(options);
+    const unsigned short port = server.Start();
+    const std::string base = "http://127.0.0.1:" + std::to_string(port);
+    std::printf("vantro-server uploads: %llu MiB, %llu parts in parallel vs one plain PUT\n",
+                static_cast<unsigned long long>(size / kMiB),
+                static_cast<unsigned long long>(partCount));
+
+    // The baseline: the command-line tool streams the file in one request.
+    const std::string command =
+        "curl -sS -o /dev/null -w '%{http_code}' -T " + source.string() + " " + base + "/test/sink";
+    const auto plainStart = Clock::now();
+    FILE* pipe = ::popen(command.c_str(), "r");
+    char code[8] = {};
+    const bool readCode = pipe && std::fgets(code, sizeof(code), pipe) != nullptr;
+    const int plainExit = pipe ? ::pclose(pipe) : -1;
+    const double plainSeconds = Seconds(Clock::now() - plainStart);
+    if (!readCode || plainExit != 0 || std::string(code) != "201") {
+        std::fprintf(stderr, "plain PUT failed: exit %d, status %s\n", plainExit, code);
+        return 1;
+    }
+
+    // The client's checksums, measured on their own.
+    const int descriptor = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
+    const std::uint64_t partSize = (size + partCount - 1) / partCount;
+    const auto hashStart = Clock::now();
+    std::vector<Part> parts(partCount);
+    std::vector<std::thread> hashers;
+    for (std::uint64_t i = 0; i < partCount; ++i) {
+        parts[i].offset = i * partSize;
+        parts[i].size = std::min(partSize, size - parts[i].offset);
+        parts[i].descriptor = descriptor;
+        hashers.emplace_back([&part = parts[i], descriptor] {
+            part.sha256 = Sha256Of(descriptor, part.offset, part.size);
+        });
+    }
+    const std::string whole = Sha256Of(descriptor, 0, size);
+    for (auto& hasher : hashers) {
+        hasher.join();
+    }
+    const double hashSeconds = Seconds(Clock::now() - hashStart);
+
+    const auto chunkedStart = Clock::now();
+    const auto [createStatus, created] =
+        Request("POST", base + "/v2/assets/" + project.rootAssetId + "/uploads", authorization,
+                boost::json::serialize(boost::json::object{
+                    {"name", "source.mov"}, {"filesize", size}, {"part_size", partSize}}));
+    if (createStatus != 201) {
+        std::fprintf(stderr, "create failed: %ld %s\n", createStatus, created.c_str());
+        return 1;
+    }
+    const std::string uploadId(boost::json::parse(created).at("upload_id").as_string());
+    for (std::uint64_t i = 0; i < partCount; ++i) {
+        parts[i].url = base + "/v2/uploads/" + uploadId + "/parts/" + std::to_string(i + 1);
+    }
+    if (!SendParts(parts, authorization)) {
+        return 1;
+    }
+    const auto partsDone = Clock::now();
+    const auto [completeStatus, completed] =
+        Request("POST", base + "/v2/uploads/" + uploadId + "/complete", authorization,
+                boost::json::serialize(boost::json::object{{"sha256", whole}}));
+    const auto chunkedEnd = Clock::now();
+    ::close(descriptor);
+    if (completeStatus != 201) {
+        std::fprintf(stderr, "complete failed: %ld %s\n", completeStatus, completed.c_str());
+        return 1;
+    }
+    const double chunkedSeconds = Seconds(chunkedEnd - chunkedStart);
+
+    const double plain = MegabytesPerSecond(size, plainSeconds);
+    const double chunked = MegabytesPerSecond(size, chunkedSeconds);
+    std::printf("plain    (curl -T, /test/sink): %8.1f MB/s  (%.2f s)\n", plain, plainSeconds);
+    std::printf(
+        "chunked  (create+parts+complete): %6.1f MB/s  (%.2f s, of which complete %.2f s)\n",
+        chunked, chunkedSeconds, Seconds(chunkedEnd - partsDone));
+    std::printf("client checksums (not in the above): %.2f s\n", hashSeconds);
+    std::printf("chunked / plain: %.2f\n", chunked / plain);
+
+    server.Stop();
+    std::filesystem::remove_all(root);
+    curl_global_cleanup();
+    return 0;
+}
