@@ -16,14 +16,6 @@ using boost::beast::http::status;
 using boost::beast::http::verb;
 using http::Response;
 
-Response NotFound() {
-    return Response::Error(status::not_found, "not_found", "no such resource");
-}
-
-Response BadRequest(std::string_view description) {
-    return Response::Error(status::bad_request, "invalid_request", description);
-}
-
 /// The capture `name` when it has the form of one of our ids; nothing otherwise, so malformed
 /// ids answer 404 without asking the database.
 std::optional<std::string_view> IdParam(const http::RequestContext& context,
@@ -47,7 +39,7 @@ Response PagedListing(const http::RequestContext& context, std::size_t defaultPa
     std::string error;
     const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
     if (!paging) {
-        return BadRequest(error);
+        return Response::BadRequest(error);
     }
     const auto page = list(store::PageRequest{paging->Offset(), paging->Limit()});
     boost::json::array items;
@@ -92,7 +84,7 @@ void ResourceEndpoints::AddRoutes(http::Router& router) {
 Response ResourceEndpoints::Me(const http::RequestContext& context) const {
     const auto user = store->Users().Find(context.User().userId);
     if (!user) {
-        return NotFound();
+        return Response::NotFound();
     }
     return Response::Json(status::ok, JsonViews::Of(*user));
 }
@@ -111,11 +103,11 @@ Response ResourceEndpoints::Accounts(const http::RequestContext& context) const 
 Response ResourceEndpoints::Account(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeAccount(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     const auto account = store->Accounts().Find(*id);
     if (!account) {
-        return NotFound();
+        return Response::NotFound();
     }
     return Response::Json(status::ok, JsonViews::Of(*account, store->Accounts().IsMember(
                                                                   *id, context.User().userId)));
@@ -124,7 +116,7 @@ Response ResourceEndpoints::Account(const http::RequestContext& context) const {
 Response ResourceEndpoints::Teams(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeAccount(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
         return store->Teams().ListForUser(context.User().userId, *id, request);
@@ -134,16 +126,16 @@ Response ResourceEndpoints::Teams(const http::RequestContext& context) const {
 Response ResourceEndpoints::Team(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeTeam(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     const auto team = store->Teams().Find(*id);
-    return team ? Response::Json(status::ok, JsonViews::Of(*team)) : NotFound();
+    return team ? Response::Json(status::ok, JsonViews::Of(*team)) : Response::NotFound();
 }
 
 Response ResourceEndpoints::Projects(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeTeam(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
         return store->Projects().ListForTeam(*id, request);
@@ -153,7 +145,7 @@ Response ResourceEndpoints::Projects(const http::RequestContext& context) const 
 Response ResourceEndpoints::SharedProjects(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeAccount(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
         return store->Projects().ListSharedWith(context.User().userId, *id, request);
@@ -163,25 +155,25 @@ Response ResourceEndpoints::SharedProjects(const http::RequestContext& context) 
 Response ResourceEndpoints::Project(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeProject(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     const auto project = store->Projects().Find(*id);
-    return project ? Response::Json(status::ok, JsonViews::Of(*project)) : NotFound();
+    return project ? Response::Json(status::ok, JsonViews::Of(*project)) : Response::NotFound();
 }
 
 Response ResourceEndpoints::Asset(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeAsset(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     const auto asset = store->Assets().Find(*id);
-    return asset ? Response::Json(status::ok, JsonViews::Of(*asset)) : NotFound();
+    return asset ? Response::Json(status::ok, JsonViews::Of(*asset)) : Response::NotFound();
 }
 
 Response ResourceEndpoints::Children(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeAsset(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     return PagedListing(context, defaultPageSize, [&](store::PageRequest request) {
         return store->Assets().Children(*id, request);
@@ -191,24 +183,24 @@ Response ResourceEndpoints::Children(const http::RequestContext& context) const 
 Response ResourceEndpoints::CreateChild(const http::RequestContext& context) const {
     const auto id = IdParam(context, "id");
     if (!id || !store->Access().CanSeeAsset(context.User().userId, *id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     std::string error;
     const auto body = http::JsonBody::ParseObject(context, error);
     if (!body) {
-        return BadRequest(error);
+        return Response::BadRequest(error);
     }
     const auto* name = body->if_contains("name");
     const auto* type = body->if_contains("type");
     if (!name || !name->is_string()) {
-        return BadRequest("name must be a string");
+        return Response::BadRequest("name must be a string");
     }
     if (!type || !type->is_string() || type->as_string() != "folder") {
-        return BadRequest("type must be \"folder\"");
+        return Response::BadRequest("type must be \"folder\"");
     }
     for (const auto& member : *body) {
         if (member.key() != "name" && member.key() != "type") {
-            return BadRequest("unknown member " + std::string(member.key()));
+            return Response::BadRequest("unknown member " + std::string(member.key()));
         }
     }
     try {
@@ -217,9 +209,9 @@ Response ResourceEndpoints::CreateChild(const http::RequestContext& context) con
     } catch (const store::StoreError& refused) {
         switch (refused.GetKind()) {
             case store::StoreError::Kind::NotFound:
-                return NotFound();
+                return Response::NotFound();
             case store::StoreError::Kind::Invalid:
-                return BadRequest(refused.what());
+                return Response::BadRequest(refused.what());
             case store::StoreError::Kind::Conflict:
                 return Response::Error(status::conflict, "conflict", refused.what());
             case store::StoreError::Kind::StorageLimit:

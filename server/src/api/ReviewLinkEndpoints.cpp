@@ -16,14 +16,6 @@ using boost::beast::http::status;
 using boost::beast::http::verb;
 using http::Response;
 
-Response NotFound() {
-    return Response::Error(status::not_found, "not_found", "no such resource");
-}
-
-Response BadRequest(std::string_view description) {
-    return Response::Error(status::bad_request, "invalid_request", description);
-}
-
 /// Only the members a route knows; anything else is a mistake the client should hear about.
 std::optional<std::string> UnknownMember(const boost::json::object& body, std::string_view known) {
     for (const auto& member : body) {
@@ -37,9 +29,9 @@ std::optional<std::string> UnknownMember(const boost::json::object& body, std::s
 Response Refusal(const store::StoreError& refused) {
     switch (refused.GetKind()) {
         case store::StoreError::Kind::NotFound:
-            return NotFound();
+            return Response::NotFound();
         case store::StoreError::Kind::Invalid:
-            return BadRequest(refused.what());
+            return Response::BadRequest(refused.what());
         default:
             throw refused;
     }
@@ -72,19 +64,19 @@ Response ReviewLinkEndpoints::Create(const http::RequestContext& context) const 
     const auto projectId = context.Param("id");
     if (!security::IsWellFormedId(projectId) ||
         !store->Access().CanSeeProject(context.User().userId, projectId)) {
-        return NotFound();
+        return Response::NotFound();
     }
     std::string error;
     const auto body = http::JsonBody::ParseObject(context, error);
     if (!body) {
-        return BadRequest(error);
+        return Response::BadRequest(error);
     }
     const auto* name = body->if_contains("name");
     if (!name || !name->is_string()) {
-        return BadRequest("name must be a string");
+        return Response::BadRequest("name must be a string");
     }
     if (const auto unknown = UnknownMember(*body, "name")) {
-        return BadRequest(*unknown);
+        return Response::BadRequest(*unknown);
     }
     try {
         const auto link = store->ReviewLinks().Create(projectId, context.User().userId,
@@ -99,12 +91,12 @@ Response ReviewLinkEndpoints::List(const http::RequestContext& context) const {
     const auto projectId = context.Param("id");
     if (!security::IsWellFormedId(projectId) ||
         !store->Access().CanSeeProject(context.User().userId, projectId)) {
-        return NotFound();
+        return Response::NotFound();
     }
     std::string error;
     const auto paging = http::Paging::FromQuery(context, defaultPageSize, error);
     if (!paging) {
-        return BadRequest(error);
+        return Response::BadRequest(error);
     }
     const auto page = store->ReviewLinks().ListForProject(
         projectId, store::PageRequest{paging->Offset(), paging->Limit()});
@@ -135,31 +127,31 @@ Response ReviewLinkEndpoints::LinkWithItems(const store::ReviewLink& link) const
 
 Response ReviewLinkEndpoints::Link(const http::RequestContext& context) const {
     const auto link = VisibleLink(context);
-    return link ? LinkWithItems(*link) : NotFound();
+    return link ? LinkWithItems(*link) : Response::NotFound();
 }
 
 Response ReviewLinkEndpoints::AddAssets(const http::RequestContext& context) const {
     const auto link = VisibleLink(context);
     if (!link) {
-        return NotFound();
+        return Response::NotFound();
     }
     std::string error;
     const auto body = http::JsonBody::ParseObject(context, error);
     if (!body) {
-        return BadRequest(error);
+        return Response::BadRequest(error);
     }
     const auto* ids = body->if_contains("asset_ids");
     if (!ids || !ids->is_array()) {
-        return BadRequest("asset_ids must be an array of asset ids");
+        return Response::BadRequest("asset_ids must be an array of asset ids");
     }
     if (const auto unknown = UnknownMember(*body, "asset_ids")) {
-        return BadRequest(*unknown);
+        return Response::BadRequest(*unknown);
     }
     std::vector<std::string> assetIds;
     assetIds.reserve(ids->as_array().size());
     for (const auto& id : ids->as_array()) {
         if (!id.is_string()) {
-            return BadRequest("asset_ids must be an array of asset ids");
+            return Response::BadRequest("asset_ids must be an array of asset ids");
         }
         assetIds.emplace_back(id.as_string());
     }

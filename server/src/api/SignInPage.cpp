@@ -1,6 +1,10 @@
 #include "api/SignInPage.h"
 
+#include "web/HtmlDocument.h"
+
 namespace vantroserver::api {
+
+using web::HtmlDocument;
 
 namespace {
 
@@ -8,7 +12,7 @@ std::string Page(std::string_view title, const std::string& body) {
     std::string html;
     html += "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n";
     html += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
-    html += "<title>" + SignInPage::Escape(title) + "</title>\n";
+    html += "<title>" + HtmlDocument::Escape(title) + "</title>\n";
     html +=
         "<style>body{font-family:sans-serif;max-width:24rem;margin:4rem auto;padding:0 1rem}"
         "label{display:block;margin:.75rem 0 .25rem}input{width:100%;padding:.4rem}"
@@ -19,47 +23,20 @@ std::string Page(std::string_view title, const std::string& body) {
 
 }  // namespace
 
-std::string SignInPage::Escape(std::string_view text) {
-    std::string escaped;
-    escaped.reserve(text.size());
-    for (const char c : text) {
-        switch (c) {
-            case '&':
-                escaped += "&amp;";
-                break;
-            case '<':
-                escaped += "&lt;";
-                break;
-            case '>':
-                escaped += "&gt;";
-                break;
-            case '"':
-                escaped += "&quot;";
-                break;
-            case '\'':
-                escaped += "&#39;";
-                break;
-            default:
-                escaped += c;
-        }
-    }
-    return escaped;
-}
-
 std::string SignInPage::Form(const Fields& hidden, std::string_view username,
                              std::string_view message) {
     std::string body = "<h1>Sign in</h1>\n";
     if (!message.empty()) {
-        body += "<p class=\"message\" role=\"alert\">" + Escape(message) + "</p>\n";
+        body += "<p class=\"message\" role=\"alert\">" + HtmlDocument::Escape(message) + "</p>\n";
     }
     body += "<form method=\"post\" action=\"/oauth/authorize\">\n";
     for (const auto& [name, value] : hidden) {
-        body += "<input type=\"hidden\" name=\"" + Escape(name) + "\" value=\"" + Escape(value) +
-                "\">\n";
+        body += "<input type=\"hidden\" name=\"" + HtmlDocument::Escape(name) + "\" value=\"" +
+                HtmlDocument::Escape(value) + "\">\n";
     }
     body += "<label for=\"username\">Username</label>\n";
     body += "<input id=\"username\" name=\"username\" autocomplete=\"username\" required value=\"" +
-            Escape(username) + "\">\n";
+            HtmlDocument::Escape(username) + "\">\n";
     body += "<label for=\"password\">Password</label>\n";
     body +=
         "<input id=\"password\" name=\"password\" type=\"password\" "
@@ -69,8 +46,8 @@ std::string SignInPage::Form(const Fields& hidden, std::string_view username,
 }
 
 std::string SignInPage::Error(std::string_view message) {
-    return Page("Sign-in error",
-                "<h1>Cannot sign in</h1>\n<p class=\"message\">" + Escape(message) + "</p>\n");
+    return Page("Sign-in error", "<h1>Cannot sign in</h1>\n<p class=\"message\">" +
+                                     HtmlDocument::Escape(message) + "</p>\n");
 }
 
 }  // namespace vantroserver::api

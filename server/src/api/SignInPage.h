@@ -18,7 +18,6 @@ public:
     static std::string Form(const Fields& hidden, std::string_view username,
                             std::string_view message);
     static std::string Error(std::string_view message);
-    static std::string Escape(std::string_view text);
 };
 
 }  // namespace vantroserver::api

@@ -20,6 +20,14 @@ Response Response::Error(beasthttp::status status, std::string_view code,
     return Json(status, boost::json::object{{"error", code}, {"error_description", description}});
 }
 
+Response Response::NotFound(std::string_view description) {
+    return Error(beasthttp::status::not_found, "not_found", description);
+}
+
+Response Response::BadRequest(std::string_view description) {
+    return Error(beasthttp::status::bad_request, "invalid_request", description);
+}
+
 Response Response::Html(beasthttp::status status, std::string body) {
     Response response;
     auto& m = response.AsString();

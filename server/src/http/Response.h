@@ -35,6 +35,10 @@ public:
     /// `{"error": code, "error_description": description}`, the error shape of every route.
     static Response Error(beasthttp::status status, std::string_view code,
                           std::string_view description);
+    /// 404 `not_found`, the answer for anything a user may not see.
+    static Response NotFound(std::string_view description = "no such resource");
+    /// 400 `invalid_request`.
+    static Response BadRequest(std::string_view description);
     static Response Html(beasthttp::status status, std::string body);
     static Response Redirect(std::string_view location);
     static Response NoContent();

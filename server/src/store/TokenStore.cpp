@@ -44,6 +44,21 @@ std::string InsertRefreshToken(const StoreCore& core, Connection& connection,
     return token;
 }
 
+// Records the family of `grant` (its id, user and client) and its first refresh token, which
+// goes into `grant`.
+void StartFamily(const StoreCore& core, Connection& connection, TokenGrant& grant) {
+    connection
+        .Prepare(
+            "INSERT INTO token_families (id, user_id, client_id, revoked, created_at) "
+            "VALUES (?, ?, ?, 0, ?)")
+        .Bind(1, grant.familyId)
+        .Bind(2, grant.userId)
+        .Bind(3, grant.clientId)
+        .Bind(4, MillisecondsOf(core.Now()))
+        .Run();
+    grant.refreshToken = InsertRefreshToken(core, connection, grant.familyId);
+}
+
 }  // namespace
 
 TokenStore::TokenStore(std::shared_ptr<StoreCore> core) : core(std::move(core)) {}
@@ -116,16 +131,7 @@ TokenGrant TokenStore::RedeemCode(std::string_view code, std::string_view client
     } else if (!security::Pkce::VerifyS256(codeVerifier, challenge)) {
         result.status = GrantStatus::BadVerifier;
     } else {
-        lease
-            ->Prepare(
-                "INSERT INTO token_families (id, user_id, client_id, revoked, created_at) "
-                "VALUES (?, ?, ?, 0, ?)")
-            .Bind(1, result.familyId)
-            .Bind(2, result.userId)
-            .Bind(3, result.clientId)
-            .Bind(4, MillisecondsOf(core->Now()))
-            .Run();
-        result.refreshToken = InsertRefreshToken(*core, *lease, result.familyId);
+        StartFamily(*core, *lease, result);
         result.status = GrantStatus::Granted;
     }
     transaction.Commit();
@@ -188,16 +194,7 @@ TokenGrant TokenStore::IssueFamily(std::string_view userId, std::string_view cli
     result.userId = userId;
     result.clientId = clientId;
     result.familyId = security::NewId();
-    lease
-        ->Prepare(
-            "INSERT INTO token_families (id, user_id, client_id, revoked, created_at) "
-            "VALUES (?, ?, ?, 0, ?)")
-        .Bind(1, result.familyId)
-        .Bind(2, result.userId)
-        .Bind(3, result.clientId)
-        .Bind(4, MillisecondsOf(core->Now()))
-        .Run();
-    result.refreshToken = InsertRefreshToken(*core, *lease, result.familyId);
+    StartFamily(*core, *lease, result);
     result.status = GrantStatus::Granted;
     transaction.Commit();
     return result;
