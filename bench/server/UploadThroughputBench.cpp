@@ -1,11 +1,16 @@
-// Upload throughput of the review server over loopback: a 1 GiB file uploaded through the
-// upload API in 4 parts sent in parallel (SHA-256 of each part and of the whole file computed
-// by the client first, create + parts + complete timed), against the same file streamed in one
-// plain PUT by the curl command-line tool to /test/sink (the baseline: one body written to
-// disk, no checksums). Prints MB/s for both and the ratio chunked / plain. Any error fails the
-// run.
+// Upload throughput of the review server over loopback: a file (1 GiB by default) uploaded
+// through the upload API in two ways, each against the same file streamed in one plain PUT by
+// the curl command-line tool to /test/sink (the baseline: one body written to disk, no
+// checksums), measured once in the same run:
+//   - a few large parts (4 by default), all sent in parallel;
+//   - the client's usual shape: 8 MiB parts, at most 4 in flight, a new one starting as soon
+//     as another is answered.
+// The client's SHA-256 of each part and of the whole file is computed first and not timed;
+// create + parts + complete are. Prints MB/s for each and the ratios chunked / plain. Any error
+// fails the run.
 //
-//   build/release/bin/UploadThroughputBench [size-MiB] [parts]
+//   build/release/bin/UploadThroughputBench [--size-mib N] [--parallel-parts N]
+//                                           [--part-mib N] [--in-flight N]
 #include <curl/curl.h>
 #include <fcntl.h>
 #include <openssl/evp.h>
@@ -13,11 +18,13 @@
 
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -120,10 +127,13 @@ std::pair<long, std::string> Request(const std::string& method, const std::strin
     return {status, answer};
 }
 
-/// Sends the parts at once over their own connections; true when each answered 200.
-bool SendParts(std::vector<Part>& parts, const std::string& authorization) {
+/// Sends the parts with at most `inFlight` of them under way, a new one starting as soon as
+/// another is answered; true when each answered 200.
+bool SendParts(std::vector<Part>& parts, std::size_t inFlight, const std::string& authorization) {
     CURLM* multi = curl_multi_init();
-    for (Part& part : parts) {
+    std::size_t next = 0;
+    std::size_t active = 0;
+    auto start = [&](Part& part) {
         part.headers = curl_slist_append(nullptr, authorization.c_str());
         part.headers =
             curl_slist_append(part.headers, ("X-Content-SHA256: " + part.sha256).c_str());
@@ -140,33 +150,41 @@ bool SendParts(std::vector<Part>& parts, const std::string& authorization) {
         curl_easy_setopt(easy, CURLOPT_PRIVATE, &part);
         curl_easy_setopt(easy, CURLOPT_UPLOAD_BUFFERSIZE, 2L * 1024 * 1024);
         curl_multi_add_handle(multi, easy);
+        ++active;
+    };
+    while (next < parts.size() && active < inFlight) {
+        start(parts[next++]);
     }
-    int running = 0;
-    do {
+    bool ok = true;
+    while (active > 0) {
+        int running = 0;
         curl_multi_perform(multi, &running);
-        if (running > 0) {
+        int queued = 0;
+        while (CURLMsg* message = curl_multi_info_read(multi, &queued)) {
+            if (message->msg != CURLMSG_DONE) {
+                continue;
+            }
+            Part* part = nullptr;
+            curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &part);
+            if (message->data.result == CURLE_OK) {
+                curl_easy_getinfo(message->easy_handle, CURLINFO_RESPONSE_CODE, &part->status);
+            }
+            if (part->status != 200) {
+                std::fprintf(stderr, "part at %llu: %ld %s\n",
+                             static_cast<unsigned long long>(part->offset), part->status,
+                             part->answer.c_str());
+                ok = false;
+            }
+            curl_multi_remove_handle(multi, message->easy_handle);
+            curl_easy_cleanup(message->easy_handle);
+            --active;
+            if (ok && next < parts.size()) {
+                start(parts[next++]);
+            }
+        }
+        if (active > 0 && running > 0) {
             curl_multi_poll(multi, nullptr, 0, 1000, nullptr);
         }
-    } while (running > 0);
-    bool ok = true;
-    int queued = 0;
-    while (CURLMsg* message = curl_multi_info_read(multi, &queued)) {
-        if (message->msg != CURLMSG_DONE) {
-            continue;
-        }
-        Part* part = nullptr;
-        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &part);
-        if (message->data.result == CURLE_OK) {
-            curl_easy_getinfo(message->easy_handle, CURLINFO_RESPONSE_CODE, &part->status);
-        }
-        if (part->status != 200) {
-            std::fprintf(stderr, "part at %llu: %ld %s\n",
-                         static_cast<unsigned long long>(part->offset), part->status,
-                         part->answer.c_str());
-            ok = false;
-        }
-        curl_multi_remove_handle(multi, message->easy_handle);
-        curl_easy_cleanup(message->easy_handle);
     }
     curl_multi_cleanup(multi);
     for (Part& part : parts) {
@@ -183,11 +201,141 @@ double MegabytesPerSecond(std::uint64_t bytes, double seconds) {
     return static_cast<double>(bytes) / 1e6 / seconds;
 }
 
+struct Options {
+    std::uint64_t sizeMiB = 1024;
+    std::uint64_t parallelParts = 4;
+    std::uint64_t partMiB = 8;
+    std::uint64_t inFlight = 4;
+};
+
+void PrintUsage(const char* program) {
+    std::printf(
+        "usage: %s [--size-mib N] [--parallel-parts N] [--part-mib N] [--in-flight N]\n"
+        "  --size-mib N        the file's size in MiB (default 1024)\n"
+        "  --parallel-parts N  the first case: the file in N parts, all sent at once "
+        "(default 4)\n"
+        "  --part-mib N        the second case: parts of N MiB (default 8)\n"
+        "  --in-flight N       the second case: at most N parts under way (default 4)\n",
+        program);
+}
+
+/// Reads the flags; false (after saying why) when they are not understood. `help` is set for
+/// --help.
+bool ParseOptions(int argc, char** argv, Options& options, bool& help) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string flag = argv[i];
+        if (flag == "--help" || flag == "-h") {
+            help = true;
+            return true;
+        }
+        std::uint64_t* target = nullptr;
+        if (flag == "--size-mib") {
+            target = &options.sizeMiB;
+        } else if (flag == "--parallel-parts") {
+            target = &options.parallelParts;
+        } else if (flag == "--part-mib") {
+            target = &options.partMiB;
+        } else if (flag == "--in-flight") {
+            target = &options.inFlight;
+        } else {
+            std::fprintf(stderr, "unknown argument %s\n", flag.c_str());
+            return false;
+        }
+        if (i + 1 >= argc) {
+            std::fprintf(stderr, "%s needs a number\n", flag.c_str());
+            return false;
+        }
+        const std::string text = argv[++i];
+        std::uint64_t value = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error != std::errc() || end != text.data() + text.size() || value == 0) {
+            std::fprintf(stderr, "%s needs a whole number above 0, not %s\n", flag.c_str(),
+                         text.c_str());
+            return false;
+        }
+        *target = value;
+    }
+    return true;
+}
+
+struct ChunkedResult {
+    double seconds = 0;
+    double completeSeconds = 0;
+};
+
+/// One upload of the source file through the upload API in parts of `partSize`, at most
+/// `inFlight` under way; nullopt (after saying why) on any error.
+std::optional<ChunkedResult> UploadInParts(const std::string& base,
+                                           const std::string& authorization,
+                                           const std::string& folderId, int descriptor,
+                                           std::uint64_t size, std::uint64_t partSize,
+                                           std::size_t inFlight, const std::string& whole,
+                                           const std::string& name) {
+    const std::uint64_t partCount = (size + partSize - 1) / partSize;
+    std::vector<Part> parts(partCount);
+    for (std::uint64_t i = 0; i < partCount; ++i) {
+        parts[i].offset = i * partSize;
+        parts[i].size = std::min(partSize, size - parts[i].offset);
+        parts[i].descriptor = descriptor;
+    }
+    // The client's part checksums, before the clock starts.
+    {
+        std::vector<std::thread> hashers;
+        const std::uint64_t threads = std::min<std::uint64_t>(4, partCount);
+        for (std::uint64_t t = 0; t < threads; ++t) {
+            hashers.emplace_back([&parts, descriptor, t, threads] {
+                for (std::size_t i = t; i < parts.size(); i += threads) {
+                    parts[i].sha256 = Sha256Of(descriptor, parts[i].offset, parts[i].size);
+                }
+            });
+        }
+        for (auto& hasher : hashers) {
+            hasher.join();
+        }
+    }
+
+    const auto start = Clock::now();
+    const auto [createStatus, created] =
+        Request("POST", base + "/v2/assets/" + folderId + "/uploads", authorization,
+                boost::json::serialize(boost::json::object{
+                    {"name", name}, {"filesize", size}, {"part_size", partSize}}));
+    if (createStatus != 201) {
+        std::fprintf(stderr, "create failed: %ld %s\n", createStatus, created.c_str());
+        return std::nullopt;
+    }
+    const std::string uploadId(boost::json::parse(created).at("upload_id").as_string());
+    for (std::uint64_t i = 0; i < partCount; ++i) {
+        parts[i].url = base + "/v2/uploads/" + uploadId + "/parts/" + std::to_string(i + 1);
+    }
+    if (!SendParts(parts, inFlight, authorization)) {
+        return std::nullopt;
+    }
+    const auto partsDone = Clock::now();
+    const auto [completeStatus, completed] =
+        Request("POST", base + "/v2/uploads/" + uploadId + "/complete", authorization,
+                boost::json::serialize(boost::json::object{{"sha256", whole}}));
+    const auto end = Clock::now();
+    if (completeStatus != 201) {
+        std::fprintf(stderr, "complete failed: %ld %s\n", completeStatus, completed.c_str());
+        return std::nullopt;
+    }
+    return ChunkedResult{Seconds(end - start), Seconds(end - partsDone)};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::uint64_t size = (argc > 1 ? std::stoull(argv[1]) : 1024) * kMiB;
-    const std::uint64_t partCount = argc > 2 ? std::stoull(argv[2]) : 4;
+    Options flags;
+    bool help = false;
+    if (!ParseOptions(argc, argv, flags, help)) {
+        PrintUsage(argv[0]);
+        return 2;
+    }
+    if (help) {
+        PrintUsage(argv[0]);
+        return 0;
+    }
+    const std::uint64_t size = flags.sizeMiB * kMiB;
     curl_global_init(CURL_GLOBAL_DEFAULT);
 
     char pattern[] = "/tmp/vantro-bench-XXXXXX";
@@ -235,9 +383,10 @@ int main(int argc, char** argv) {
     http::Server server(options);
     const unsigned short port = server.Start();
     const std::string base = "http://127.0.0.1:" + std::to_string(port);
-    std::printf("vantro-server uploads: %llu MiB, %llu parts in parallel vs one plain PUT\n",
-                static_cast<unsigned long long>(size / kMiB),
-                static_cast<unsigned long long>(partCount));
+    const std::uint64_t parallelPartSize = (size + flags.parallelParts - 1) / flags.parallelParts;
+    const std::uint64_t partSize = std::min(size, flags.partMiB * kMiB);
+    std::printf("vantro-server uploads of %llu MiB vs one plain PUT\n",
+                static_cast<unsigned long long>(flags.sizeMiB));
 
     // The baseline: the command-line tool streams the file in one request.
     const std::string command =
@@ -252,63 +401,47 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "plain PUT failed: exit %d, status %s\n", plainExit, code);
         return 1;
     }
-
-    // The client's checksums, measured on their own.
-    const int descriptor = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
-    const std::uint64_t partSize = (size + partCount - 1) / partCount;
-    const auto hashStart = Clock::now();
-    std::vector<Part> parts(partCount);
-    std::vector<std::thread> hashers;
-    for (std::uint64_t i = 0; i < partCount; ++i) {
-        parts[i].offset = i * partSize;
-        parts[i].size = std::min(partSize, size - parts[i].offset);
-        parts[i].descriptor = descriptor;
-        hashers.emplace_back([&part = parts[i], descriptor] {
-            part.sha256 = Sha256Of(descriptor, part.offset, part.size);
-        });
-    }
-    const std::string whole = Sha256Of(descriptor, 0, size);
-    for (auto& hasher : hashers) {
-        hasher.join();
-    }
-    const double hashSeconds = Seconds(Clock::now() - hashStart);
-
-    const auto chunkedStart = Clock::now();
-    const auto [createStatus, created] =
-        Request("POST", base + "/v2/assets/" + project.rootAssetId + "/uploads", authorization,
-                boost::json::serialize(boost::json::object{
-                    {"name", "source.mov"}, {"filesize", size}, {"part_size", partSize}}));
-    if (createStatus != 201) {
-        std::fprintf(stderr, "create failed: %ld %s\n", createStatus, created.c_str());
-        return 1;
-    }
-    const std::string uploadId(boost::json::parse(created).at("upload_id").as_string());
-    for (std::uint64_t i = 0; i < partCount; ++i) {
-        parts[i].url = base + "/v2/uploads/" + uploadId + "/parts/" + std::to_string(i + 1);
-    }
-    if (!SendParts(parts, authorization)) {
-        return 1;
-    }
-    const auto partsDone = Clock::now();
-    const auto [completeStatus, completed] =
-        Request("POST", base + "/v2/uploads/" + uploadId + "/complete", authorization,
-                boost::json::serialize(boost::json::object{{"sha256", whole}}));
-    const auto chunkedEnd = Clock::now();
-    ::close(descriptor);
-    if (completeStatus != 201) {
-        std::fprintf(stderr, "complete failed: %ld %s\n", completeStatus, completed.c_str());
-        return 1;
-    }
-    const double chunkedSeconds = Seconds(chunkedEnd - chunkedStart);
-
     const double plain = MegabytesPerSecond(size, plainSeconds);
-    const double chunked = MegabytesPerSecond(size, chunkedSeconds);
     std::printf("plain    (curl -T, /test/sink): %8.1f MB/s  (%.2f s)\n", plain, plainSeconds);
-    std::printf(
-        "chunked  (create+parts+complete): %6.1f MB/s  (%.2f s, of which complete %.2f s)\n",
-        chunked, chunkedSeconds, Seconds(chunkedEnd - partsDone));
-    std::printf("client checksums (not in the above): %.2f s\n", hashSeconds);
-    std::printf("chunked / plain: %.2f\n", chunked / plain);
+
+    const int descriptor = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
+    const auto hashStart = Clock::now();
+    const std::string whole = Sha256Of(descriptor, 0, size);
+    std::printf("client's whole-file checksum (not timed below): %.2f s\n",
+                Seconds(Clock::now() - hashStart));
+
+    struct Case {
+        std::string label;
+        std::uint64_t partSize;
+        std::size_t inFlight;
+    };
+    const std::vector<Case> cases{
+        {std::to_string((size + parallelPartSize - 1) / parallelPartSize) + " x " +
+             std::to_string(parallelPartSize / kMiB) + " MiB, all at once",
+         parallelPartSize, static_cast<std::size_t>(flags.parallelParts)},
+        {std::to_string((size + partSize - 1) / partSize) + " x " +
+             std::to_string(partSize / kMiB) + " MiB, " + std::to_string(flags.inFlight) +
+             " in flight",
+         partSize, static_cast<std::size_t>(flags.inFlight)},
+    };
+    std::vector<double> ratios;
+    for (const Case& run : cases) {
+        const auto result = UploadInParts(base, authorization, project.rootAssetId, descriptor,
+                                          size, run.partSize, run.inFlight, whole,
+                                          "source-" + std::to_string(ratios.size() + 1) + ".mov");
+        if (!result) {
+            ::close(descriptor);
+            return 1;
+        }
+        const double chunked = MegabytesPerSecond(size, result->seconds);
+        std::printf("chunked  (%s): %8.1f MB/s  (%.2f s, of which complete %.2f s)\n",
+                    run.label.c_str(), chunked, result->seconds, result->completeSeconds);
+        ratios.push_back(chunked / plain);
+    }
+    ::close(descriptor);
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        std::printf("chunked / plain, %s: %.2f\n", cases[i].label.c_str(), ratios[i]);
+    }
 
     server.Stop();
     std::filesystem::remove_all(root);

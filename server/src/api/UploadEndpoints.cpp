@@ -1,14 +1,7 @@
 #include "api/UploadEndpoints.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <boost/json/array.hpp>
-#include <cerrno>
 #include <charconv>
-#include <cstring>
-#include <iostream>
-#include <vector>
 
 #include "api/JsonViews.h"
 #include "api/UploadPartSink.h"
@@ -48,46 +41,6 @@ std::optional<std::int64_t> NonNegativeInteger(const boost::json::value& value) 
     return std::nullopt;
 }
 
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
-    return lower;
-}
-
-/// The SHA-256 of a whole file as hex, read in large blocks (the file was just written, so it
-/// is usually still in the page cache and the digest itself is the cost).
-std::string HashFile(const std::filesystem::path& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        throw std::runtime_error("cannot read " + path.string() + ": " + std::strerror(errno));
-    }
-    ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
-    constexpr std::size_t kBlock = 4 * 1024 * 1024;
-    std::vector<char> block(kBlock);
-    security::Sha256Stream hash;
-    while (true) {
-        const ssize_t got = ::read(descriptor, block.data(), block.size());
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0) {
-            const std::string reason = std::strerror(errno);
-            ::close(descriptor);
-            throw std::runtime_error("cannot read " + path.string() + ": " + reason);
-        }
-        if (got == 0) {
-            break;
-        }
-        hash.Update(std::span<const char>(block.data(), static_cast<std::size_t>(got)));
-    }
-    ::close(descriptor);
-    return hash.FinishHex();
-}
-
 boost::json::object UploadView(const store::Upload& upload) {
     boost::json::object object{{"upload_id", upload.id},
                                {"name", upload.name},
@@ -113,7 +66,8 @@ UploadEndpoints::UploadEndpoints(std::shared_ptr<store::Store> store,
       uploadDirectory(directory.UploadDirectory()),
       mediaDirectory(directory.MediaDirectory()),
       uploadTtl(uploadTtl),
-      inFlight(std::make_shared<PartsInFlight>()) {}
+      inFlight(std::make_shared<PartsInFlight>()),
+      hashes(std::make_shared<WholeFileHashes>()) {}
 
 void UploadEndpoints::AddRoutes(http::Router& router) {
     using Member = Response (UploadEndpoints::*)(const http::RequestContext&) const;
@@ -229,6 +183,7 @@ Response UploadEndpoints::Create(const http::RequestContext& context) const {
         store->Uploads().Remove(upload.id);
         throw;
     }
+    hashes->Begin(upload, DataFile(upload.id));
     return Response::Json(status::created, UploadView(upload));
 }
 
@@ -272,9 +227,11 @@ http::Router::StreamStart UploadEndpoints::PutPart(const http::RequestContext& c
     }
     try {
         // Its bytes are about to be overwritten: until this body checks out, it is missing.
+        hashes->PartStarting(upload->id, part);
         store->Uploads().ForgetPart(upload->id, part);
-        return std::make_shared<UploadPartSink>(
-            store, inFlight, *upload, part, std::string(checksum->value()), DataFile(upload->id));
+        return std::make_shared<UploadPartSink>(store, inFlight, hashes, *upload, part,
+                                                std::string(checksum->value()),
+                                                DataFile(upload->id));
     } catch (...) {
         inFlight->End(upload->id, part);
         throw;
@@ -341,8 +298,9 @@ Response UploadEndpoints::Complete(const http::RequestContext& context) const {
         return Response::Error(status::unprocessable_entity, "checksum_mismatch",
                                "the received bytes do not add up to the file's size");
     }
-    const std::string actual = HashFile(dataFile);
-    if (actual != Lower(sha256->get_string())) {
+    // Mostly folded in already while the parts arrived; this hashes what is left.
+    const std::string actual = hashes->Finish(*upload, dataFile);
+    if (actual != security::Sha256Stream::NormalizeHexDigest(sha256->get_string())) {
         return Response::Error(status::unprocessable_entity, "checksum_mismatch",
                                "the file's SHA-256 is " + actual + ", not the one given");
     }
@@ -383,6 +341,7 @@ Response UploadEndpoints::Abort(const http::RequestContext& context) const {
         return NotFound();
     }
     store->Uploads().Remove(upload->id);
+    hashes->Drop(upload->id);
     std::error_code ignored;
     std::filesystem::remove(DataFile(upload->id), ignored);
     return Response::NoContent();
@@ -408,6 +367,7 @@ Response UploadEndpoints::Content(const http::RequestContext& context) const {
 std::size_t UploadEndpoints::SweepExpired() const {
     const auto expired = store->Uploads().RemoveExpired();
     for (const auto& id : expired) {
+        hashes->Drop(id);
         std::error_code ignored;
         std::filesystem::remove(DataFile(id), ignored);
     }

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "api/PartsInFlight.h"
+#include "api/WholeFileHashes.h"
 #include "http/Router.h"
 #include "store/DataDirectory.h"
 #include "store/Store.h"
@@ -47,6 +48,7 @@ private:
     std::filesystem::path mediaDirectory;
     std::chrono::seconds uploadTtl;
     std::shared_ptr<PartsInFlight> inFlight;
+    std::shared_ptr<WholeFileHashes> hashes;
 };
 
 }  // namespace vantroserver::api

@@ -11,28 +11,21 @@ namespace {
 using boost::beast::http::status;
 using http::Response;
 
-std::string Lower(std::string text) {
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'F') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
-    return text;
-}
-
 }  // namespace
 
 UploadPartSink::UploadPartSink(std::shared_ptr<store::Store> store,
-                               std::shared_ptr<PartsInFlight> inFlight, const store::Upload& upload,
+                               std::shared_ptr<PartsInFlight> inFlight,
+                               std::shared_ptr<WholeFileHashes> hashes, const store::Upload& upload,
                                std::int64_t part, std::string expectedSha256,
                                const std::filesystem::path& dataFile)
     : store(std::move(store)),
       inFlight(std::move(inFlight)),
+      hashes(std::move(hashes)),
       uploadId(upload.id),
       part(part),
       offset(static_cast<std::uint64_t>(upload.OffsetOfPart(part))),
       expectedSize(static_cast<std::uint64_t>(upload.SizeOfPart(part))),
-      expectedSha256(Lower(std::move(expectedSha256))),
+      expectedSha256(security::Sha256Stream::NormalizeHexDigest(expectedSha256)),
       file(WritableFile::Open(dataFile, false)) {}
 
 UploadPartSink::~UploadPartSink() {
@@ -60,8 +53,10 @@ std::optional<Response> UploadPartSink::Write(std::span<const char> piece) {
 }
 
 Response UploadPartSink::Finish() {
-    Release();
+    // The part stays marked in flight until it is recorded, so that a second PUT of it cannot
+    // begin overwriting its bytes before the record (and the running digest) sees them.
     if (received != expectedSize) {
+        Release();
         return Response::Error(status::bad_request, "invalid_request",
                                "part " + std::to_string(part) + " holds " +
                                    std::to_string(expectedSize) + " bytes; " +
@@ -69,6 +64,7 @@ Response UploadPartSink::Finish() {
     }
     const std::string actual = hash.FinishHex();
     if (actual != expectedSha256) {
+        Release();
         return Response::Error(
             status::unprocessable_entity, "checksum_mismatch",
             "the part's SHA-256 is " + actual + ", not the one in X-Content-SHA256");
@@ -76,11 +72,14 @@ Response UploadPartSink::Finish() {
     try {
         store->Uploads().RecordPart(uploadId, part, static_cast<std::int64_t>(received), actual);
     } catch (const store::StoreError& refused) {
+        Release();
         if (refused.GetKind() == store::StoreError::Kind::Database) {
             throw;
         }
         return Response::Error(status::not_found, "not_found", "no such upload");
     }
+    hashes->PartRecorded(uploadId, part);
+    Release();
     return Response::Json(
         status::ok, boost::json::object{{"part", part}, {"size", received}, {"sha256", actual}});
 }

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "api/PartsInFlight.h"
+#include "api/WholeFileHashes.h"
 #include "api/WritableFile.h"
 #include "http/BodySink.h"
 #include "security/Sha256Stream.h"
@@ -21,10 +22,12 @@ namespace vantroserver::api {
 
 class UploadPartSink final : public http::BodySink {
 public:
-    /// The part must already be marked in `inFlight`; the sink ends that mark when done.
+    /// The part must already be marked in `inFlight`; the sink ends that mark when done. A
+    /// recorded part is passed on to `hashes` for the whole file's running digest.
     /// Throws std::runtime_error when the data file cannot be opened.
     UploadPartSink(std::shared_ptr<store::Store> store, std::shared_ptr<PartsInFlight> inFlight,
-                   const store::Upload& upload, std::int64_t part, std::string expectedSha256,
+                   std::shared_ptr<WholeFileHashes> hashes, const store::Upload& upload,
+                   std::int64_t part, std::string expectedSha256,
                    const std::filesystem::path& dataFile);
     ~UploadPartSink() override;
 
@@ -37,6 +40,7 @@ private:
 
     std::shared_ptr<store::Store> store;
     std::shared_ptr<PartsInFlight> inFlight;
+    std::shared_ptr<WholeFileHashes> hashes;
     std::string uploadId;
     std::int64_t part;
     std::uint64_t offset;

@@ -55,4 +55,14 @@ bool Sha256Stream::IsHexDigest(std::string_view text) {
     return true;
 }
 
+std::string Sha256Stream::NormalizeHexDigest(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
+    return lower;
+}
+
 }  // namespace vantroserver::security

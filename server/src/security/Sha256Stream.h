@@ -26,6 +26,9 @@ public:
 
     /// Whether `text` is 64 hex digits (either case).
     static bool IsHexDigest(std::string_view text);
+    /// `text` with its letters in lower case, as FinishHex() writes digests, so that a digest
+    /// given in either case compares equal to a computed one.
+    static std::string NormalizeHexDigest(std::string_view text);
 
 private:
     struct ContextDeleter {
