@@ -21,14 +21,6 @@ using boost::beast::http::status;
 using boost::beast::http::verb;
 using http::Response;
 
-Response NotFound() {
-    return Response::Error(status::not_found, "not_found", "no such resource");
-}
-
-Response BadRequest(std::string_view description) {
-    return Response::Error(status::bad_request, "invalid_request", description);
-}
-
 /// A JSON number that is a whole, non-negative 64-bit value.
 std::optional<std::int64_t> NonNegativeInteger(const boost::json::value& value) {
     if (value.is_int64() && value.get_int64() >= 0) {
@@ -108,12 +100,12 @@ Response UploadEndpoints::Create(const http::RequestContext& context) const {
     const auto folderId = context.Param("id");
     const auto& userId = context.User().userId;
     if (!security::IsWellFormedId(folderId) || !store->Access().CanSeeAsset(userId, folderId)) {
-        return NotFound();
+        return Response::NotFound();
     }
     std::string error;
     const auto body = http::JsonBody::ParseObject(context, error);
     if (!body) {
-        return BadRequest(error);
+        return Response::BadRequest(error);
     }
     store::UploadStore::NewUpload request;
     request.userId = userId;
@@ -122,40 +114,40 @@ Response UploadEndpoints::Create(const http::RequestContext& context) const {
         const auto& value = member.value();
         if (member.key() == "name") {
             if (!value.is_string()) {
-                return BadRequest("name must be a string");
+                return Response::BadRequest("name must be a string");
             }
             request.name = std::string(value.get_string());
         } else if (member.key() == "filesize") {
             const auto size = NonNegativeInteger(value);
             if (!size) {
-                return BadRequest("filesize must be a whole number of bytes, 0 or more");
+                return Response::BadRequest("filesize must be a whole number of bytes, 0 or more");
             }
             request.filesize = *size;
         } else if (member.key() == "part_size") {
             const auto size = NonNegativeInteger(value);
             if (!size) {
-                return BadRequest("part_size must be a whole number of bytes");
+                return Response::BadRequest("part_size must be a whole number of bytes");
             }
             request.partSize = *size;
         } else if (member.key() == "autoversion_id") {
             if (!value.is_string() && !value.is_null()) {
-                return BadRequest("autoversion_id must be a string");
+                return Response::BadRequest("autoversion_id must be a string");
             }
             if (value.is_string()) {
                 request.autoversionId = std::string(value.get_string());
             }
         } else {
-            return BadRequest("unknown member " + std::string(member.key()));
+            return Response::BadRequest("unknown member " + std::string(member.key()));
         }
     }
     if (!body->contains("name") || !body->contains("filesize")) {
-        return BadRequest("name and filesize are required");
+        return Response::BadRequest("name and filesize are required");
     }
     // An existing asset under that id must be one the user sees; its kind is the store's check.
     if (!request.autoversionId.empty() && security::IsWellFormedId(request.autoversionId) &&
         store->Assets().Find(request.autoversionId) &&
         !store->Access().CanSeeAsset(userId, request.autoversionId)) {
-        return NotFound();
+        return Response::NotFound();
     }
     store::Upload upload;
     try {
@@ -163,9 +155,9 @@ Response UploadEndpoints::Create(const http::RequestContext& context) const {
     } catch (const store::StoreError& refused) {
         switch (refused.GetKind()) {
             case store::StoreError::Kind::NotFound:
-                return NotFound();
+                return Response::NotFound();
             case store::StoreError::Kind::Invalid:
-                return BadRequest(refused.what());
+                return Response::BadRequest(refused.what());
             case store::StoreError::Kind::Conflict:
                 return Response::Error(status::conflict, "autoversion_conflict", refused.what());
             case store::StoreError::Kind::StorageLimit:
@@ -190,7 +182,7 @@ Response UploadEndpoints::Create(const http::RequestContext& context) const {
 http::Router::StreamStart UploadEndpoints::PutPart(const http::RequestContext& context) const {
     const auto upload = OwnUpload(context);
     if (!upload) {
-        return NotFound();
+        return Response::NotFound();
     }
     const auto partText = context.Param("part");
     std::int64_t part = 0;
@@ -198,12 +190,14 @@ http::Router::StreamStart UploadEndpoints::PutPart(const http::RequestContext& c
         std::from_chars(partText.data(), partText.data() + partText.size(), part);
     if (parseError != std::errc() || end != partText.data() + partText.size() || part < 1 ||
         part > upload->partCount) {
-        return BadRequest("the part number must be from 1 to " + std::to_string(upload->partCount));
+        return Response::BadRequest("the part number must be from 1 to " +
+                                    std::to_string(upload->partCount));
     }
     const auto& request = context.Request();
     const auto checksum = request.find("X-Content-SHA256");
     if (checksum == request.end() || !security::Sha256Stream::IsHexDigest(checksum->value())) {
-        return BadRequest("X-Content-SHA256 must give the part's SHA-256 as 64 hex digits");
+        return Response::BadRequest(
+            "X-Content-SHA256 must give the part's SHA-256 as 64 hex digits");
     }
     const auto expected = static_cast<std::uint64_t>(upload->SizeOfPart(part));
     const auto length = request.find(boost::beast::http::field::content_length);
@@ -217,8 +211,9 @@ http::Router::StreamStart UploadEndpoints::PutPart(const http::RequestContext& c
                 "part " + std::to_string(part) + " holds " + std::to_string(expected) + " bytes");
         }
         if (declared < expected) {
-            return BadRequest("part " + std::to_string(part) + " holds " +
-                              std::to_string(expected) + " bytes, not " + std::to_string(declared));
+            return Response::BadRequest("part " + std::to_string(part) + " holds " +
+                                        std::to_string(expected) + " bytes, not " +
+                                        std::to_string(declared));
         }
     }
     if (!inFlight->TryBegin(upload->id, part)) {
@@ -241,7 +236,7 @@ http::Router::StreamStart UploadEndpoints::PutPart(const http::RequestContext& c
 Response UploadEndpoints::Status(const http::RequestContext& context) const {
     const auto upload = OwnUpload(context);
     if (!upload) {
-        return NotFound();
+        return Response::NotFound();
     }
     boost::json::array parts;
     for (const auto& part : store->Uploads().Parts(upload->id)) {
@@ -256,17 +251,17 @@ Response UploadEndpoints::Status(const http::RequestContext& context) const {
 Response UploadEndpoints::Complete(const http::RequestContext& context) const {
     const auto upload = OwnUpload(context);
     if (!upload) {
-        return NotFound();
+        return Response::NotFound();
     }
     std::string error;
     const auto body = http::JsonBody::ParseObject(context, error);
     if (!body) {
-        return BadRequest(error);
+        return Response::BadRequest(error);
     }
     const auto* sha256 = body->if_contains("sha256");
     if (!sha256 || !sha256->is_string() ||
         !security::Sha256Stream::IsHexDigest(sha256->get_string())) {
-        return BadRequest("sha256 must give the whole file's SHA-256 as 64 hex digits");
+        return Response::BadRequest("sha256 must give the whole file's SHA-256 as 64 hex digits");
     }
     if (inFlight->Any(upload->id)) {
         return Response::Error(status::conflict, "part_in_progress",
@@ -306,7 +301,7 @@ Response UploadEndpoints::Complete(const http::RequestContext& context) const {
     }
     if (!upload->autoversionId.empty() && store->Assets().Find(upload->autoversionId) &&
         !store->Access().CanSeeAsset(context.User().userId, upload->autoversionId)) {
-        return NotFound();
+        return Response::NotFound();
     }
     store::CompletedUpload completed;
     try {
@@ -316,7 +311,7 @@ Response UploadEndpoints::Complete(const http::RequestContext& context) const {
     } catch (const store::StoreError& refused) {
         switch (refused.GetKind()) {
             case store::StoreError::Kind::NotFound:
-                return NotFound();
+                return Response::NotFound();
             case store::StoreError::Kind::Invalid:
                 return Response::Error(status::conflict, "upload_incomplete", refused.what());
             case store::StoreError::Kind::Conflict:
@@ -338,7 +333,7 @@ Response UploadEndpoints::Complete(const http::RequestContext& context) const {
 Response UploadEndpoints::Abort(const http::RequestContext& context) const {
     const auto upload = OwnUpload(context);
     if (!upload) {
-        return NotFound();
+        return Response::NotFound();
     }
     store->Uploads().Remove(upload->id);
     hashes->Drop(upload->id);
@@ -350,11 +345,11 @@ Response UploadEndpoints::Abort(const http::RequestContext& context) const {
 Response UploadEndpoints::Content(const http::RequestContext& context) const {
     const auto id = context.Param("id");
     if (!security::IsWellFormedId(id) || !store->Access().CanSeeAsset(context.User().userId, id)) {
-        return NotFound();
+        return Response::NotFound();
     }
     const auto asset = store->Assets().Find(id);
     if (!asset || asset->type != store::AssetType::File) {
-        return NotFound();
+        return Response::NotFound();
     }
     http::RangedFile::Options options;
     options.contentType = http::StaticFiles::ContentType(asset->name);
