@@ -60,12 +60,8 @@ ResourceEndpoints::ResourceEndpoints(std::shared_ptr<store::Store> store,
     : store(std::move(store)), hub(std::move(hub)), defaultPageSize(defaultPageSize) {}
 
 void ResourceEndpoints::AddRoutes(http::Router& router) {
-    using Member = Response (ResourceEndpoints::*)(const http::RequestContext&) const;
-    auto add = [&](verb method, std::string_view pattern, Member member) {
-        router.Add(method, pattern, http::Router::Access::Bearer,
-                   [self = shared_from_this(), member](http::RequestContext& context) {
-                       return ((*self).*member)(context);
-                   });
+    auto add = [&](verb method, std::string_view pattern, auto member) {
+        router.AddMember(method, pattern, http::Router::Access::Bearer, shared_from_this(), member);
     };
     add(verb::get, "/v2/me", &ResourceEndpoints::Me);
     add(verb::get, "/v2/accounts", &ResourceEndpoints::Accounts);

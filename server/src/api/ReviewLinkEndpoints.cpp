@@ -47,12 +47,8 @@ ReviewLinkEndpoints::ReviewLinkEndpoints(std::shared_ptr<store::Store> store,
       defaultPageSize(defaultPageSize) {}
 
 void ReviewLinkEndpoints::AddRoutes(http::Router& router) {
-    using Member = Response (ReviewLinkEndpoints::*)(const http::RequestContext&) const;
-    auto add = [&](verb method, std::string_view pattern, Member member) {
-        router.Add(method, pattern, http::Router::Access::Bearer,
-                   [self = shared_from_this(), member](http::RequestContext& context) {
-                       return ((*self).*member)(context);
-                   });
+    auto add = [&](verb method, std::string_view pattern, auto member) {
+        router.AddMember(method, pattern, http::Router::Access::Bearer, shared_from_this(), member);
     };
     add(verb::post, "/v2/projects/{id}/review_links", &ReviewLinkEndpoints::Create);
     add(verb::get, "/v2/projects/{id}/review_links", &ReviewLinkEndpoints::List);

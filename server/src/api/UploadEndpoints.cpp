@@ -62,12 +62,8 @@ UploadEndpoints::UploadEndpoints(std::shared_ptr<store::Store> store,
       hashes(std::make_shared<WholeFileHashes>()) {}
 
 void UploadEndpoints::AddRoutes(http::Router& router) {
-    using Member = Response (UploadEndpoints::*)(const http::RequestContext&) const;
-    auto add = [&](verb method, std::string_view pattern, Member member) {
-        router.Add(method, pattern, http::Router::Access::Bearer,
-                   [self = shared_from_this(), member](http::RequestContext& context) {
-                       return ((*self).*member)(context);
-                   });
+    auto add = [&](verb method, std::string_view pattern, auto member) {
+        router.AddMember(method, pattern, http::Router::Access::Bearer, shared_from_this(), member);
     };
     add(verb::post, "/v2/assets/{id}/uploads", &UploadEndpoints::Create);
     add(verb::get, "/v2/uploads/{id}", &UploadEndpoints::Status);

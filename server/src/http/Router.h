@@ -50,6 +50,16 @@ public:
     /// Throws std::invalid_argument for a malformed pattern.
     void Add(boost::beast::http::verb method, std::string_view pattern, Access access,
              Handler handler);
+    /// A route answered by a const member function of `endpoints`, which the route holds.
+    template <class Endpoints>
+    void AddMember(boost::beast::http::verb method, std::string_view pattern, Access access,
+                   std::shared_ptr<Endpoints> endpoints,
+                   Response (Endpoints::*member)(const RequestContext&) const) {
+        Add(method, pattern, access,
+            [endpoints = std::move(endpoints), member](RequestContext& context) {
+                return ((*endpoints).*member)(context);
+            });
+    }
     /// A route whose body is not read into memory but handed to the sink `handler` returns.
     void AddStreamed(boost::beast::http::verb method, std::string_view pattern, Access access,
                      StreamHandler handler);

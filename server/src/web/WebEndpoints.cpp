@@ -95,12 +95,8 @@ WebEndpoints::WebEndpoints(std::shared_ptr<store::Store> store,
       secureCookies(secureCookies) {}
 
 void WebEndpoints::AddRoutes(http::Router& router) {
-    using Member = Response (WebEndpoints::*)(const http::RequestContext&) const;
-    auto add = [&](verb method, std::string_view pattern, Member member) {
-        router.Add(method, pattern, http::Router::Access::Public,
-                   [self = shared_from_this(), member](http::RequestContext& context) {
-                       return ((*self).*member)(context);
-                   });
+    auto add = [&](verb method, std::string_view pattern, auto member) {
+        router.AddMember(method, pattern, http::Router::Access::Public, shared_from_this(), member);
     };
     add(verb::get, "/r/{token}", &WebEndpoints::Review);
     add(verb::get, "/r/{token}/media/{id}", &WebEndpoints::Media);
