@@ -55,17 +55,17 @@ ByteRange ByteRange::Parse(std::string_view header, std::uint64_t size) {
     if (!StartsWithUnit(header)) {
         return whole;
     }
-    const std::string_view spec = TrimSpaces(header.substr(6));
+    const std::string_view rangeSet = TrimSpaces(header.substr(6));
     // Several ranges would need a multipart answer; one whole answer serves them all.
-    if (spec.find(',') != std::string_view::npos) {
+    if (rangeSet.find(',') != std::string_view::npos) {
         return whole;
     }
-    const std::size_t dash = spec.find('-');
+    const std::size_t dash = rangeSet.find('-');
     if (dash == std::string_view::npos) {
         return whole;
     }
-    const std::string_view firstText = spec.substr(0, dash);
-    const std::string_view lastText = spec.substr(dash + 1);
+    const std::string_view firstText = rangeSet.substr(0, dash);
+    const std::string_view lastText = rangeSet.substr(dash + 1);
     if (firstText.empty()) {
         // A suffix: the last n bytes, or all of them when the file is shorter.
         const auto suffix = ParseDigits(lastText);
