@@ -19,7 +19,7 @@
 #include <thread>
 #include <vector>
 
-#include "api/AccessTokens.h"
+#include "BenchWorld.h"
 #include "http/Server.h"
 #include "store/DataDirectory.h"
 
@@ -122,17 +122,13 @@ int main(int argc, char** argv) {
     const std::size_t perThread = argc > 2 ? std::stoul(argv[2]) : 10'000;
     curl_global_init(CURL_GLOBAL_DEFAULT);
 
-    char pattern[] = "/tmp/vantro-bench-XXXXXX";
-    const std::filesystem::path root = mkdtemp(pattern);
-    const auto dataDir = root / "data";
-    store::StoreOptions storeOptions;
-    storeOptions.passwordIterations = 1000;
-    auto directory = store::DataDirectory::Initialize(dataDir, storeOptions);
-    auto store = directory.GetStore();
-    const auto user = store->Users().Add({"bench", "bench", "", ""});
-    const auto account = store->Accounts().Add("Bench", user.id, 1LL << 40);
-    const auto team = store->Teams().Add(account.id, "Team", {user.id});
-    const auto project = store->Projects().Add(team.id, "Project");
+    auto world = bench::BenchWorld::Create();
+    const auto& root = world.root;
+    const auto& dataDir = world.dataDir;
+    const auto& directory = world.directory;
+    const auto& store = world.store;
+    const auto& project = world.project;
+    const std::string& authorization = world.authorization;
     // A listing page of 50 children, a typical folder view.
     for (int i = 0; i < 50; ++i) {
         if (i % 2 == 0) {
@@ -142,9 +138,6 @@ int main(int argc, char** argv) {
                                     1000 + i);
         }
     }
-    const api::AccessTokens tokens(store, directory.SigningKey(), std::chrono::hours(1));
-    const std::string authorization =
-        "Authorization: Bearer " + tokens.Issue(user.id, "vantrokelui-desktop", "");
 
     http::ServeOptions options;
     options.dataDir = dataDir;

@@ -29,7 +29,7 @@
 #include <thread>
 #include <vector>
 
-#include "api/AccessTokens.h"
+#include "BenchWorld.h"
 #include "http/Server.h"
 #include "store/DataDirectory.h"
 
@@ -338,20 +338,11 @@ int main(int argc, char** argv) {
     const std::uint64_t size = flags.sizeMiB * kMiB;
     curl_global_init(CURL_GLOBAL_DEFAULT);
 
-    char pattern[] = "/tmp/vantro-bench-XXXXXX";
-    const std::filesystem::path root = mkdtemp(pattern);
-    const auto dataDir = root / "data";
-    store::StoreOptions storeOptions;
-    storeOptions.passwordIterations = 1000;
-    auto directory = store::DataDirectory::Initialize(dataDir, storeOptions);
-    auto store = directory.GetStore();
-    const auto user = store->Users().Add({"bench", "bench", "", ""});
-    const auto account = store->Accounts().Add("Bench", user.id, 1LL << 40);
-    const auto team = store->Teams().Add(account.id, "Team", {user.id});
-    const auto project = store->Projects().Add(team.id, "Project");
-    const api::AccessTokens tokens(store, directory.SigningKey(), std::chrono::hours(1));
-    const std::string authorization =
-        "Authorization: Bearer " + tokens.Issue(user.id, "vantrokelui-desktop", "");
+    auto world = bench::BenchWorld::Create();
+    const auto& root = world.root;
+    const auto& dataDir = world.dataDir;
+    const auto& project = world.project;
+    const std::string& authorization = world.authorization;
 
     // Random bytes (xorshift: cheap, and nothing for a filesystem to compress or skip).
     const auto source = root / "source.mov";
