@@ -370,7 +370,7 @@ void UploadJob::OnStatus(const Future<Reply>& answer) {
         }
     }
     std::exception_ptr giveUp;
-    std::uint64_t sent = 0;
+    std::optional<std::uint64_t> sent;  // Set when the listing acknowledged more bytes.
     {
         std::lock_guard lock(mutex);
         int held = 0;
@@ -391,12 +391,12 @@ void UploadJob::OnStatus(const Future<Reply>& answer) {
                 if (part.held && !part.counted) {
                     part.counted = true;
                     acknowledged += part.length;
+                    sent = acknowledged;
                 }
                 if (!part.held && !part.sha256.empty()) {
                     ready.push_back(i);
                 }
             }
-            sent = acknowledged;
             resumeWanted = false;
             phase = Phase::Sending;
         }
@@ -405,7 +405,9 @@ void UploadJob::OnStatus(const Future<Reply>& answer) {
         Fail(giveUp);
         return;
     }
-    progress.Report(sent);
+    if (sent) {
+        progress.Report(*sent);
+    }
     PumpSenders();
     MaybeComplete();
 }
