@@ -14,11 +14,11 @@ namespace vantrocommon {
 
 struct ServiceEndpoint {
     /// No trailing slash, e.g. "http://127.0.0.1:8080".
-    std::string apiBase;
+    std::string apiBase{};
     /// Base of the service's web pages; a project's settings page is webBase + "/projects/" + id.
-    std::string webBase;
+    std::string webBase{};
     /// Extra CA certificates (PEM) to trust, e.g. a local test CA; empty for the system's only.
-    std::string caFile;
+    std::string caFile{};
 
     /// The endpoint configured for `environment`.
     static ServiceEndpoint Resolve(EnvironmentType environment = EnvironmentType::Configured);

@@ -7,6 +7,7 @@
 //   cancel.Cancel();   // the future fails with kResultCancelled unless it already completed
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 

@@ -25,9 +25,9 @@ class CurlTransport : public Transport {
 public:
     struct Options {
         /// PEM certificates to trust besides the system's; empty for the system's only.
-        std::string caFile;
+        std::string caFile{};
         /// Where futures complete; null for kelcore::async::GetDefaultExecutor().
-        std::shared_ptr<kelcore::threads::AsyncExecutor> executor;
+        std::shared_ptr<kelcore::threads::AsyncExecutor> executor{};
         /// Parallel connections to one host.
         long maxConnectionsPerHost = 8;
         std::string userAgent = "vantrokelui";

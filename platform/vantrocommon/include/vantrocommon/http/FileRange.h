@@ -8,7 +8,7 @@
 namespace vantrocommon::http {
 
 struct FileRange {
-    std::string path;
+    std::string path{};
     std::uint64_t offset = 0;
     std::uint64_t length = 0;
 };

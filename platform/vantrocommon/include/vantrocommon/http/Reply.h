@@ -12,10 +12,10 @@ namespace vantrocommon::http {
 struct Reply {
     int status = 0;
     /// Names upper-cased, see HeaderMap.h.
-    HeaderMap headers;
-    std::string body;
+    HeaderMap headers{};
+    std::string body{};
     /// "1.1" or "2", as negotiated.
-    std::string httpVersion;
+    std::string httpVersion{};
 
     /// The field `name` (any case), or null.
     const std::string* Header(std::string_view name) const;

@@ -19,14 +19,15 @@
 
 namespace vantrocommon::http {
 
+// Every field has an initializer, so designated initializers may name any subset of them.
 struct Request {
     using Body = std::variant<std::monostate, std::string, FileRange>;
 
     std::string method = "GET";
     std::string url;
     /// Sent as given; Content-Length follows from the body. Never logged.
-    std::vector<std::pair<std::string, std::string>> headers;
-    Body body;
+    std::vector<std::pair<std::string, std::string>> headers{};
+    Body body{};
 
     /// Limit on the whole exchange; 0 for none (large uploads rely on `stallTimeout`).
     std::chrono::milliseconds timeout{0};
@@ -37,7 +38,7 @@ struct Request {
 
     /// Called on the transport's I/O thread as body bytes leave (a running total). It must be
     /// quick and must not call back into the transport.
-    std::function<void(std::uint64_t bodyBytesSent)> onBodyProgress;
+    std::function<void(std::uint64_t bodyBytesSent)> onBodyProgress{};
 };
 
 }  // namespace vantrocommon::http
