@@ -18,9 +18,11 @@
 #include <kelcore/threads/ThreadPoolExecutor.h>
 
 #include <vantrocommon/ResultCodes.h>
+#include <vantrocommon/RetryingSender.h>
 #include <vantrocommon/http/CurlTransport.h>
 
 #include "FutureWaiting.h"
+#include "NodeHttp2Server.h"
 #include "QueueExecutor.h"
 #include "TestCertificates.h"
 #include "support/PartUploader.h"
@@ -315,6 +317,18 @@ TEST_F(CurlTransportTest, DestroyingTheTransportFailsWhatIsUnderWayAsCancelled) 
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(30));
 }
 
+TEST_F(CurlTransportTest, RetriesInjectedUnavailableAnswersUntilTheRealOne) {
+    Fault({{"route", "/v2/me"}, {"count", 2}, {"status", 503}});
+    const auto answer = AwaitFuture(vantrocommon::SendWithRetry(
+        transport, Get("/v2/me"), {.initialDelay = std::chrono::milliseconds(20)}, pool));
+    ASSERT_EQ(ResultOf(answer), 0) << FailureText(answer);
+    EXPECT_EQ(answer.Get().status, 200);
+    EXPECT_EQ(boost::json::parse(answer.Get().body).at("username").as_string(), "ann");
+    // Both injected answers were used up by the retries.
+    const auto again = Send(Get("/v2/me"));
+    EXPECT_EQ(again.Get().status, 200);
+}
+
 TEST(CurlTransportCompletion, CompletesOnlyThroughTheExecutorAndNeverInsideSend) {
     testsupport::VantroServerProcess server;
     server.Start();
@@ -384,6 +398,36 @@ TEST_F(CurlTransportTlsTest, TrustsTheExtraAuthority) {
     const auto answer = AwaitFuture(transport->Send({.url = Url("/v2/nothing")}));
     ASSERT_EQ(ResultOf(answer), 0) << FailureText(answer);
     EXPECT_EQ(answer.Get().status, 404);
+}
+
+TEST(CurlTransportHttp2, SpeaksHttp2WhereTheServerOffersItAndMultiplexes) {
+    if (!NodeHttp2Server::NodeAvailable()) {
+        GTEST_SKIP() << "node is not installed; the HTTP/2 server of this test needs it";
+    }
+    testsupport::TemporaryDirectory files;
+    const auto certificates = TestCertificates::Make(files.Path());
+    NodeHttp2Server server;
+    ASSERT_TRUE(server.Start(certificates.serverCertificate, certificates.serverKey))
+        << server.Problem();
+    auto pool = std::make_shared<kelcore::threads::ThreadPoolExecutor>(2);
+    auto transport = CurlTransport::Create(
+        {.caFile = certificates.authorityCertificate.string(), .executor = pool});
+
+    std::vector<Future<Reply>> answers;
+    for (int i = 0; i < 6; ++i) {
+        answers.push_back(transport->Send({.url = server.Url("/item/" + std::to_string(i))}));
+    }
+    for (const auto& answer : answers) {
+        AwaitFuture(answer);
+        ASSERT_EQ(ResultOf(answer), 0) << FailureText(answer);
+        EXPECT_EQ(answer.Get().status, 200);
+        EXPECT_EQ(answer.Get().httpVersion, "2");
+        EXPECT_EQ(answer.Get().body, "h2");
+        // HTTP/2 carries names in lower case; the reply holds them upper-cased all the same.
+        ASSERT_EQ(answer.Get().headers.count("X-PROTOCOL-SEEN"), 1u);
+        EXPECT_EQ(answer.Get().headers.at("X-PROTOCOL-SEEN"), "yes");
+    }
+    EXPECT_EQ(transport->ConnectionsOpened(), 1);
 }
 
 }  // namespace

@@ -30,10 +30,10 @@ class RetryingExchange : public std::enable_shared_from_this<RetryingExchange> {
 public:
     RetryingExchange(std::shared_ptr<http::Transport> transport, http::Request request,
                      RetryPolicy policy, std::shared_ptr<kelcore::threads::AsyncExecutor> executor,
-                     http::CancellationToken cancel)
+                     http::CancellationToken cancel, std::function<double()> random)
         : transport(std::move(transport)),
           request(std::move(request)),
-          schedule(std::move(policy)),
+          schedule(std::move(policy), std::move(random)),
           executor(executor),
           cancel(std::move(cancel)),
           promise(std::move(executor)) {}
@@ -99,10 +99,10 @@ private:
     void Wait(milliseconds delay, const std::string& reason) {
         if (kelcore::debug::TraceEnabled(kTraceCategory, kTraceLevel)) {
             kelcore::debug::Trace(kTraceCategory, kTraceLevel,
-                                  "retry " + std::to_string(schedule.AttemptsMade()) + " of " +
-                                      request.method + " " + detail::LoggableUrl(request.url) +
-                                      " after " + reason + ", in " + std::to_string(delay.count()) +
-                                      " ms");
+                                  request.method + " " + detail::LoggableUrl(request.url) +
+                                      " after " + reason + ": try " +
+                                      std::to_string(schedule.AttemptsMade()) + " in " +
+                                      std::to_string(delay.count()) + " ms");
         }
         executor->PostAfterDelay([self = shared_from_this()] { self->Try(); },
                                  static_cast<std::uint64_t>(delay.count()));
@@ -137,10 +137,10 @@ private:
 Future<http::Reply> SendWithRetry(std::shared_ptr<http::Transport> transport, http::Request request,
                                   RetryPolicy policy,
                                   std::shared_ptr<kelcore::threads::AsyncExecutor> executor,
-                                  http::CancellationToken cancel) {
+                                  http::CancellationToken cancel, std::function<double()> random) {
     auto exchange = std::make_shared<RetryingExchange>(std::move(transport), std::move(request),
                                                        std::move(policy), std::move(executor),
-                                                       std::move(cancel));
+                                                       std::move(cancel), std::move(random));
     return exchange->Start();
 }
 

@@ -8,6 +8,7 @@
 //       .Then(executor, [](const Future<http::Reply>& reply) { ... });
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <kelcore/async/Future.h>
@@ -20,9 +21,11 @@ namespace vantrocommon {
 
 /// Any thread. `request` is copied for each try (a file body is read again from its offset).
 /// A cancelled `cancel` stops waiting at once and fails the future with kResultCancelled.
+/// `random` is the jitter's source (see RetrySchedule); empty for the real one.
 kelcore::async::Future<http::Reply> SendWithRetry(
     std::shared_ptr<http::Transport> transport, http::Request request, RetryPolicy policy,
     std::shared_ptr<kelcore::threads::AsyncExecutor> executor,
-    http::CancellationToken cancel = http::CancellationToken());
+    http::CancellationToken cancel = http::CancellationToken(),
+    std::function<double()> random = {});
 
 }  // namespace vantrocommon
