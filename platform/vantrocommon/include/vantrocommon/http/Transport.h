@@ -16,8 +16,9 @@ public:
 
     /// Any thread. Starts the exchange and returns at once. The future completes on the
     /// transport's executor, never inline in this call: with the Reply for any status, or
-    /// failed with kResultNetworkFailure, kResultTimedOut, kResultTlsFailure, kResultFileError
-    /// or, after `cancel`, kResultCancelled.
+    /// failed with kResultNetworkFailure, kResultTimedOut, kResultTlsFailure, kResultFileError,
+    /// kResultInvalidArgument (a URL that is malformed or not http/https) or, after `cancel`,
+    /// kResultCancelled.
     virtual kelcore::async::Future<Reply> Send(Request request,
                                                CancellationToken cancel = CancellationToken()) = 0;
 };
