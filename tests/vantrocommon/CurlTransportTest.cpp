@@ -269,6 +269,24 @@ TEST_F(CurlTransportTest, AnAnswerSlowerThanTheTimeoutIsTimedOut) {
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
 }
 
+TEST_F(CurlTransportTest, AnAnswerThatStallsIsTimedOut) {
+    Fault({{"route", "/v2/me"}, {"delay_ms", 30000}});
+    Request request = Get("/v2/me");
+    request.stallTimeout = std::chrono::milliseconds(1000);
+    const auto started = std::chrono::steady_clock::now();
+    const auto answer = Send(std::move(request));
+    EXPECT_EQ(ResultOf(answer), vantrocommon::kResultTimedOut) << FailureText(answer);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
+}
+
+TEST_F(CurlTransportTest, AMalformedUrlIsAnInvalidArgument) {
+    for (const char* url : {"127.0.0.1 /v2/me", "ftp://127.0.0.1/file", "http://"}) {
+        const auto answer = Send({.url = url});
+        EXPECT_EQ(ResultOf(answer), vantrocommon::kResultInvalidArgument)
+            << url << ": " << FailureText(answer);
+    }
+}
+
 TEST_F(CurlTransportTest, CancellingARequestUnderWayFailsItAtOnce) {
     Fault({{"route", "/v2/me"}, {"delay_ms", 60000}});
     CancellationToken cancel;
@@ -426,6 +444,8 @@ TEST(CurlTransportHttp2, SpeaksHttp2WhereTheServerOffersItAndMultiplexes) {
         // HTTP/2 carries names in lower case; the reply holds them upper-cased all the same.
         ASSERT_EQ(answer.Get().headers.count("X-PROTOCOL-SEEN"), 1u);
         EXPECT_EQ(answer.Get().headers.at("X-PROTOCOL-SEEN"), "yes");
+        ASSERT_NE(answer.Get().Header("x-repeated"), nullptr);
+        EXPECT_EQ(*answer.Get().Header("x-repeated"), "first, second");
     }
     EXPECT_EQ(transport->ConnectionsOpened(), 1);
 }

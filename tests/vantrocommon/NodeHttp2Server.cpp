@@ -29,7 +29,8 @@ const server = http2.createSecureServer({
     cert: fs.readFileSync(process.argv[2]),
 });
 server.on('stream', (stream) => {
-    stream.respond({':status': 200, 'content-type': 'text/plain', 'x-Protocol-Seen': 'yes'});
+    stream.respond({':status': 200, 'content-type': 'text/plain', 'x-Protocol-Seen': 'yes',
+                    'x-repeated': ['first', 'second']});
     stream.end(stream.session.alpnProtocol);
 });
 server.listen(0, '127.0.0.1', () => {

@@ -1,5 +1,6 @@
 // A tiny HTTP/2-over-TLS server run by node for transport tests: every request is answered
-// 200 with the negotiated protocol ("h2") as its body and a mixed-case header. Started from a
+// 200 with the negotiated protocol ("h2") as its body, a mixed-case header and a header
+// sent twice (X-Repeated: first, then second). Started from a
 // script written to a temporary directory; stopped (SIGTERM) by the destructor. The test's
 // thread.
 //
