@@ -17,6 +17,7 @@
 //   vantroauth::jwt::GetAccessToken(false).Then(executor, UseToken);
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -62,5 +63,10 @@ vantrocommon::Response Logout();
 /// access_token, token_type, expires_in, refresh_token) as `userId`'s tokens, for command-line
 /// sign-in without a browser. Fails with kResultStorageFailure or a parse failure code.
 vantrocommon::Response StoreTokenAnswer(const std::string& userId, const std::string& tokenJson);
+
+/// How long an interactive sign-in waits for the browser to come back before it fails with
+/// kResultLoginFailed: 5 minutes unless set. Applies to the Logins started afterwards; measured
+/// on kelcore's executor clock, so virtual time drives it in tests.
+void SetLoginTimeout(std::chrono::milliseconds timeout);
 
 }  // namespace vantroauth::jwt
