@@ -5,7 +5,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,6 +20,9 @@
 #include <vantrosdk/Accounts.h>
 #include <vantrosdk/GetCurrentUserRequest.h>
 #include <vantrosdk/GetCurrentUserResponse.h>
+#include <vantrosdk/TransferManager.h>
+#include <vantrosdk/UploadRequest.h>
+#include <vantrosdk/UploadResponse.h>
 #include <vantrosdk/VantroClient.h>
 
 #include "SdkTestSupport.h"
@@ -100,35 +105,93 @@ TEST_F(VantroClientTest, SendsTheTokenAsABearerHeader) {
     EXPECT_EQ(authorization, std::vector<std::string>{"Bearer abc.def.ghi"});
 }
 
+/// Holds a one-thread executor busy until opened, so that nothing posted to it can run before.
+class Gate {
+public:
+    explicit Gate(const std::shared_ptr<kelcore::threads::AsyncExecutor>& executor) {
+        executor->Post([state = state] {
+            std::unique_lock lock(state->mutex);
+            state->changed.wait(lock, [&] { return state->open; });
+        });
+    }
+    ~Gate() { Open(); }
+    void Open() {
+        std::lock_guard lock(state->mutex);
+        state->open = true;
+        state->changed.notify_all();
+    }
+
+private:
+    struct State {
+        std::mutex mutex;
+        std::condition_variable changed;
+        bool open = false;
+    };
+    std::shared_ptr<State> state = std::make_shared<State>();
+};
+
+/// Where a continuation attached while the future was pending ran.
+struct Completion {
+    std::thread::id thread;
+    bool onExecutor = false;
+    bool onTransport = false;
+};
+
+template <class T>
+Completion CompletionOf(const Future<T>& answer,
+                        const std::shared_ptr<kelcore::threads::ThreadPoolExecutor>& executor,
+                        const std::shared_ptr<kelcore::threads::ThreadPoolExecutor>& transport,
+                        Gate& gate) {
+    auto seen = std::make_shared<Completion>();
+    const auto observed = answer.Then([seen, executor, transport](const auto&) {
+        seen->thread = std::this_thread::get_id();
+        seen->onExecutor = executor->RunsTasksOnCurrentThread();
+        seen->onTransport = transport->RunsTasksOnCurrentThread();
+    });
+    gate.Open();
+    EXPECT_TRUE(WaitFor(observed));
+    return *seen;
+}
+
 TEST_F(VantroClientTest, CompletesFuturesOnItsExecutorAndNeverInline) {
-    auto pool = std::make_shared<kelcore::threads::ThreadPoolExecutor>(2);
+    auto executor = std::make_shared<kelcore::threads::ThreadPoolExecutor>(1);
     auto transportPool = std::make_shared<kelcore::threads::ThreadPoolExecutor>(1);
     auto transport = std::make_shared<FakeTransport>(
         transportPool, [](const vantrocommon::http::Request&) { return Json(200, "{}"); });
     VantroConfig config("id");
     config.SetTransport(transport);
-    config.SetExecutor(pool);
+    config.SetExecutor(executor);
     ASSERT_TRUE(VantroClient::Initialize(config, {}).IsSuccess());
-    ASSERT_TRUE(VantroClient::Get()->UpdateAccessToken("abc.def.ghi").IsSuccess());
+    const auto client = VantroClient::Get();
 
-    for (int i = 0; i < 20; ++i) {
-        struct Seen {
-            std::thread::id thread;
-            bool onPool = false;
-            bool onTransportPool = false;
-        };
-        auto seen = std::make_shared<Seen>();
-        const auto answer = VantroClient::Get()->GetAccounts()->GetCurrentUser({});
-        // Attached at once: were the future complete already, this would run here, inline.
-        const auto observed = answer.Then([seen, pool, transportPool](const auto&) {
-            seen->thread = std::this_thread::get_id();
-            seen->onPool = pool->RunsTasksOnCurrentThread();
-            seen->onTransportPool = transportPool->RunsTasksOnCurrentThread();
-        });
-        ASSERT_TRUE(WaitFor(observed));
-        EXPECT_NE(seen->thread, std::this_thread::get_id());
-        EXPECT_TRUE(seen->onPool);
-        EXPECT_FALSE(seen->onTransportPool);
+    {
+        Gate gate(executor);
+        const auto beforeToken = client->GetAccounts()->GetCurrentUser({});
+        EXPECT_FALSE(beforeToken.IsReady()) << "failed inline";
+        const auto seen = CompletionOf(beforeToken, executor, transportPool, gate);
+        EXPECT_NE(seen.thread, std::this_thread::get_id());
+        EXPECT_TRUE(seen.onExecutor);
+    }
+    ASSERT_TRUE(client->UpdateAccessToken("abc.def.ghi").IsSuccess());
+    for (int i = 0; i < 5; ++i) {
+        Gate gate(executor);
+        const auto answered = client->GetAccounts()->GetCurrentUser({});
+        EXPECT_FALSE(answered.IsReady()) << "completed inline";
+        const auto seen = CompletionOf(answered, executor, transportPool, gate);
+        EXPECT_NE(seen.thread, std::this_thread::get_id());
+        EXPECT_TRUE(seen.onExecutor);
+        EXPECT_FALSE(seen.onTransport);
+    }
+    {
+        Gate gate(executor);
+        vantrocommon::Guid transfer;
+        const auto uploaded = client->GetTransferManager()->Upload(
+            vantrosdk::UploadRequest(vantrocommon::Guid::CreateUnique(), "/nonexistent/file", {}),
+            transfer);
+        EXPECT_FALSE(uploaded.IsReady()) << "failed inline";
+        const auto seen = CompletionOf(uploaded, executor, transportPool, gate);
+        EXPECT_TRUE(seen.onExecutor);
+        EXPECT_EQ(kelcore::async::ResultOf(uploaded), vantrocommon::kResultFileError);
     }
 }
 

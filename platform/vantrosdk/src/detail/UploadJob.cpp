@@ -138,13 +138,15 @@ void UploadJob::OnCreated(const Future<Reply>& answer) {
     const auto partCount = UnsignedMember(body, "part_count");
     const std::uint64_t expectedCount =
         fileSize == 0 || !partSize || *partSize == 0 ? 1 : (fileSize + *partSize - 1) / *partSize;
+    bool cancelledMeanwhile = false;
     {
         std::lock_guard lock(mutex);
+        cancelledMeanwhile = finished;
         if (!finished) {
-            uploadId = id;
+            uploadId = id;  // From here on, an ending deletes it.
         }
     }
-    if (IsFinished()) {  // Cancelled while the service made it.
+    if (cancelledMeanwhile) {
         DeleteAtService(id);
         return;
     }
