@@ -4,6 +4,7 @@
 #include <sstream>
 #include <utility>
 
+#include <kelcore/async/Executors.h>
 #include <kelcore/async/Promise.h>
 #include <kelcore/config/ErrorHandling.h>
 #include <kelcore/config/kel_exception.h>
@@ -138,6 +139,9 @@ Future<http::Reply> SendWithRetry(std::shared_ptr<http::Transport> transport, ht
                                   RetryPolicy policy,
                                   std::shared_ptr<kelcore::threads::AsyncExecutor> executor,
                                   http::CancellationToken cancel, std::function<double()> random) {
+    if (!executor) {
+        executor = kelcore::async::GetDefaultExecutor();
+    }
     auto exchange = std::make_shared<RetryingExchange>(std::move(transport), std::move(request),
                                                        std::move(policy), std::move(executor),
                                                        std::move(cancel), std::move(random));

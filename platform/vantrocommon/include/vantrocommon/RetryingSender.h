@@ -21,7 +21,8 @@ namespace vantrocommon {
 
 /// Any thread. `request` is copied for each try (a file body is read again from its offset).
 /// A cancelled `cancel` stops waiting at once and fails the future with kResultCancelled.
-/// `random` is the jitter's source (see RetrySchedule); empty for the real one.
+/// `random` is the jitter's source (see RetrySchedule); empty for the real one. A null
+/// `executor` means kelcore::async::GetDefaultExecutor().
 kelcore::async::Future<http::Reply> SendWithRetry(
     std::shared_ptr<http::Transport> transport, http::Request request, RetryPolicy policy,
     std::shared_ptr<kelcore::threads::AsyncExecutor> executor,
