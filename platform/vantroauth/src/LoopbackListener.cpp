@@ -220,6 +220,10 @@ void LoopbackListener::Run() {
     for (const auto& connection : connections) {
         ::close(connection.fd);
     }
+    // Closed here rather than in the destructor: once Stop has joined, nothing answers on the
+    // port any more, even while someone still holds the object.
+    ::close(listenFd);
+    listenFd = -1;
     Trace("the sign-in redirect listener closed");
 }
 
