@@ -1,4 +1,4 @@
-// ThreadSanitizer reads these when the test program runs under it.
+// ThreadSanitizer reads these when a test program runs under it; every test program carries them.
 //
 // libsecret drives GLib's main loops and worker threads, which synchronise with futexes of
 // their own that the uninstrumented GLib does not show the sanitizer: their frees, polls and
