@@ -14,8 +14,8 @@
 #include <vantroauth/jwt/AuthManager.h>
 #include <vantrocommon/ResultCodes.h>
 
-#include "AuthTestFixture.h"
 #include "PumpedVirtualTime.h"
+#include "support/SignInServiceFixture.h"
 
 namespace vantroauthtest {
 namespace {
@@ -26,10 +26,10 @@ using kelcore::async::ResultOf;
 // Access tokens live 100 s: refreshed when less than 10 s (a tenth, under a minute) remain.
 constexpr int kLifetime = 100;
 
-class RefreshTest : public AuthTestFixture {
+class RefreshTest : public testsupport::SignInServiceFixture {
 protected:
     void SetUp() override {
-        AuthTestFixture::SetUp();
+        testsupport::SignInServiceFixture::SetUp();
         AllowTokenFile();
     }
 

@@ -10,8 +10,8 @@
 #include <vantroauth/BrowserOpener.h>
 #include <vantroauth/jwt/AuthManager.h>
 
-#include "AuthTestFixture.h"
 #include "LoginResult.h"
+#include "support/SignInServiceFixture.h"
 #include "support/TestBrowser.h"
 
 namespace vantroauthtest {
@@ -19,7 +19,7 @@ namespace {
 
 namespace jwt = vantroauth::jwt;
 
-class SecretsInLogTest : public AuthTestFixture {};
+class SecretsInLogTest : public testsupport::SignInServiceFixture {};
 
 // The pieces of a secret that would give it away: the whole, and for a JWT its signature;
 // a prefix or suffix long enough to matter for anything else.

@@ -10,9 +10,9 @@
 #include <vantroauth/ResultCodes.h>
 #include <vantroauth/jwt/AuthManager.h>
 
-#include "AuthTestFixture.h"
 #include "LoginResult.h"
 #include "PumpedVirtualTime.h"
+#include "support/SignInServiceFixture.h"
 #include "support/TestBrowser.h"
 
 namespace vantroauthtest {
@@ -21,7 +21,7 @@ namespace {
 using testsupport::TestBrowser;
 namespace jwt = vantroauth::jwt;
 
-class SignInTest : public AuthTestFixture {
+class SignInTest : public testsupport::SignInServiceFixture {
 protected:
     TestBrowser::Options SignInAs(
         TestBrowser::Behaviour behaviour = TestBrowser::Behaviour::SignIn) {

@@ -12,8 +12,8 @@
 #include <vantroauth/ResultCodes.h>
 #include <vantroauth/jwt/AuthManager.h>
 
-#include "AuthTestFixture.h"
 #include "SessionKeyring.h"
+#include "support/SignInServiceFixture.h"
 
 namespace vantroauthtest {
 namespace {
@@ -22,7 +22,7 @@ namespace jwt = vantroauth::jwt;
 using kelcore::logging::CapturedLogForTesting;
 using kelcore::logging::Severity;
 
-class TokenStorageTest : public AuthTestFixture {
+class TokenStorageTest : public testsupport::SignInServiceFixture {
 protected:
     static std::size_t WarningsContaining(const CapturedLogForTesting& log,
                                           const std::string& text) {
