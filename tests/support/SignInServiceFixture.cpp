@@ -1,5 +1,7 @@
 #include "support/SignInServiceFixture.h"
 
+#include "support/AwaitFuture.h"
+
 #include <boost/json/parse.hpp>
 
 #include <fstream>
@@ -57,10 +59,7 @@ vantrocommon::Response SignInServiceFixture::Initialize() {
 
 SignInServiceFixture::Outcome SignInServiceFixture::Await(
     const kelcore::async::Future<std::string>& future) {
-    auto done = std::make_shared<std::promise<void>>();
-    auto ready = done->get_future();
-    future.Then([done](const kelcore::async::Future<std::string>&) { done->set_value(); });
-    if (ready.wait_for(std::chrono::seconds(60)) != std::future_status::ready) {
+    if (!WaitFor(future)) {
         ADD_FAILURE() << "the future did not complete";
         return {kelcore::config::kResultFutureNotReady, {}};
     }

@@ -9,10 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <future>
 #include <memory>
 
 #include <kelcore/async/Future.h>
+
+#include "support/AwaitFuture.h"
 
 namespace vantrocommontest {
 
@@ -23,10 +24,7 @@ inline constexpr std::chrono::seconds kCompletionLimit{60};
 template <class T>
 kelcore::async::Future<T> AwaitFuture(const kelcore::async::Future<T>& future,
                                       std::chrono::milliseconds limit = kCompletionLimit) {
-    auto completed = std::make_shared<std::promise<void>>();
-    auto waiter = completed->get_future();
-    future.Then([completed](const kelcore::async::Future<T>&) { completed->set_value(); });
-    if (waiter.wait_for(limit) != std::future_status::ready) {
+    if (!testsupport::WaitFor(future, limit)) {
         ADD_FAILURE() << "the future did not complete within " << limit.count() << " ms";
     }
     return future;
