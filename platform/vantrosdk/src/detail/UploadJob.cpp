@@ -33,9 +33,13 @@ constexpr std::uint64_t kMiB = 1024 * 1024;
 constexpr std::uint64_t kMinimumPartSize = 5 * kMiB;
 constexpr std::uint64_t kMaximumPartSize = 1024 * kMiB;
 constexpr std::uint64_t kMaximumPartCount = 10'000;
-// Large enough for the digest to run at full speed, small enough to stay in cache for the
-// second digest.
+// Large enough for the digests to run at full speed, small enough to stay in cache while both
+// lanes read it.
 constexpr std::size_t kHashBlock = 1 * kMiB;
+// Blocks read ahead of the whole-file lane at most: bounds the memory to a few MiB.
+constexpr int kBlocksAhead = 8;
+// Blocks the reading lane handles per task before it posts the next, so a cancel is seen soon.
+constexpr int kBlocksPerTask = 4;
 // What a part refused with 409 or 422 is retried as.
 const Reply kAsUnavailable = [] {
     Reply reply;
@@ -164,58 +168,121 @@ void UploadJob::OnCreated(const Future<Reply>& answer) {
         }
         phase = Phase::Sending;
     }
-    hashBuffer.resize(kHashBlock);
-    core->Executor()->Post([self = shared_from_this()] { self->HashPart(0); });
+    core->Executor()->Post([self = shared_from_this()] { self->ReadAndHashParts(); });
 }
 
-void UploadJob::HashPart(std::size_t index) {
-    if (IsFinished()) {
-        return;
-    }
-    std::uint64_t offset = 0;
-    std::uint64_t remaining = 0;
-    {
-        std::lock_guard lock(mutex);
-        offset = parts[index].offset;
-        remaining = parts[index].length;
-    }
-    Sha256 part;
-    while (remaining > 0) {
-        const auto wanted =
-            static_cast<std::size_t>(std::min<std::uint64_t>(remaining, kHashBlock));
-        const ssize_t got =
-            ::pread(descriptor, hashBuffer.data(), wanted, static_cast<off_t>(offset));
-        if (got <= 0) {
-            Fail(MakeFailure(vantrocommon::kResultFileError,
-                             got == 0
-                                 ? "the file became shorter while it was read: " + request.GetPath()
-                                 : FileError("cannot read", request.GetPath(), errno)));
+void UploadJob::ReadAndHashParts() {
+    for (int handled = 0; handled < kBlocksPerTask; ++handled) {
+        if (IsFinished()) {
             return;
         }
-        part.Update(hashBuffer.data(), static_cast<std::size_t>(got));
-        wholeFile.Update(hashBuffer.data(), static_cast<std::size_t>(got));
-        offset += static_cast<std::uint64_t>(got);
-        remaining -= static_cast<std::uint64_t>(got);
-    }
-    const bool last = index + 1 == parts.size();  // The size is fixed once sending starts.
-    std::string whole = last ? wholeFile.FinishHex() : std::string();
-    {
-        std::lock_guard lock(mutex);
-        Part& done = parts[index];
-        done.sha256 = part.FinishHex();
-        if (!done.held && !done.inFlight) {
-            ready.push_back(index);
+        Block block;
+        {
+            std::lock_guard lock(hashMutex);
+            if (blocksOut >= kBlocksAhead) {
+                readerParked = true;  // The whole-file lane posts this lane again.
+                return;
+            }
+            ++blocksOut;
+            if (!spareBuffers.empty()) {
+                block.data = std::move(spareBuffers.back());
+                spareBuffers.pop_back();
+            }
         }
-        if (last) {
-            wholeFileSha256 = std::move(whole);
-            hashingDone = true;
+        block.data.resize(kHashBlock);
+        std::uint64_t partOffset = 0;
+        std::uint64_t partLength = 0;
+        {
+            std::lock_guard lock(mutex);
+            partOffset = parts[readPart].offset;
+            partLength = parts[readPart].length;
+        }
+        const auto wanted =
+            static_cast<std::size_t>(std::min<std::uint64_t>(partLength - readInPart, kHashBlock));
+        if (wanted > 0) {
+            const ssize_t got = ::pread(descriptor, block.data.data(), wanted,
+                                        static_cast<off_t>(partOffset + readInPart));
+            if (got <= 0) {
+                Fail(MakeFailure(
+                    vantrocommon::kResultFileError,
+                    got == 0 ? "the file became shorter while it was read: " + request.GetPath()
+                             : FileError("cannot read", request.GetPath(), errno)));
+                return;
+            }
+            block.size = static_cast<std::size_t>(got);
+            partDigest.Update(block.data.data(), block.size);
+            readInPart += block.size;
+        }
+        const bool partDone = readInPart == partLength;
+        // The part table's size is fixed once hashing starts.
+        const bool lastPart = readPart + 1 == parts.size();
+        block.last = partDone && lastPart;
+        bool startWholeLane = false;
+        {
+            std::lock_guard lock(hashMutex);
+            blocks.push_back(std::move(block));
+            startWholeLane = !wholeLaneRunning;
+            wholeLaneRunning = true;
+        }
+        if (startWholeLane) {
+            core->Executor()->Post([self = shared_from_this()] { self->HashWholeFile(); });
+        }
+        if (partDone) {
+            const std::string digest = partDigest.FinishHex();
+            {
+                std::lock_guard lock(mutex);
+                Part& done = parts[readPart];
+                done.sha256 = digest;
+                if (!done.held && !done.inFlight) {
+                    ready.push_back(readPart);
+                }
+            }
+            PumpSenders();
+            if (lastPart) {
+                return;
+            }
+            ++readPart;
+            readInPart = 0;
         }
     }
-    PumpSenders();
-    if (last) {
-        MaybeComplete();
-    } else {
-        core->Executor()->Post([self = shared_from_this(), index] { self->HashPart(index + 1); });
+    core->Executor()->Post([self = shared_from_this()] { self->ReadAndHashParts(); });
+}
+
+void UploadJob::HashWholeFile() {
+    for (;;) {
+        const bool stopped = IsFinished();
+        Block block;
+        {
+            std::lock_guard lock(hashMutex);
+            if (blocks.empty() || stopped) {
+                wholeLaneRunning = false;
+                return;
+            }
+            block = std::move(blocks.front());
+            blocks.pop_front();
+        }
+        wholeFile.Update(block.data.data(), block.size);
+        bool wakeReader = false;
+        {
+            std::lock_guard lock(hashMutex);
+            --blocksOut;
+            spareBuffers.push_back(std::move(block.data));
+            wakeReader = readerParked;
+            readerParked = false;
+        }
+        if (wakeReader) {
+            core->Executor()->Post([self = shared_from_this()] { self->ReadAndHashParts(); });
+        }
+        if (block.last) {
+            const std::string digest = wholeFile.FinishHex();
+            {
+                std::lock_guard lock(mutex);
+                wholeFileSha256 = digest;
+                hashingDone = true;
+            }
+            MaybeComplete();
+            return;  // Nothing follows the last block; the lane stays marked as running.
+        }
     }
 }
 

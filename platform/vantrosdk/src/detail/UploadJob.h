@@ -68,7 +68,12 @@ private:
 
     void Begin();
     void OnCreated(const kelcore::async::Future<vantrocommon::http::Reply>& answer);
-    void HashPart(std::size_t index);
+    /// The reading lane: reads the file once, in order, feeding each block to its part's
+    /// digest and handing it on to the whole-file lane; a part is released when its digest is
+    /// done.
+    void ReadAndHashParts();
+    /// The whole-file lane: feeds the blocks, in file order, to the whole file's digest.
+    void HashWholeFile();
     void PumpSenders();
     void SendPart(std::size_t index);
     void OnPartAnswered(std::size_t index,
@@ -103,9 +108,27 @@ private:
 
     ProgressReporter progress;
 
-    // Only the hashing steps touch these; each step posts the next.
+    // The hashing stage: two lanes over one read of the file, so that the part digests and the
+    // whole file's run on two threads. A block read by the reading lane waits in `blocks` for
+    // the whole-file lane, which gives the buffer back; at most kBlocksAhead are out at once.
+    struct Block {
+        std::vector<unsigned char> data;
+        std::size_t size = 0;
+        bool last = false;  ///< The file's last block.
+    };
+    // Touched by the reading lane only (one task at a time, each posting the next).
+    Sha256 partDigest;
+    std::size_t readPart = 0;
+    std::uint64_t readInPart = 0;
+    // Touched by the whole-file lane only.
     Sha256 wholeFile;
-    std::vector<unsigned char> hashBuffer;
+    // Shared by the lanes.
+    std::mutex hashMutex;
+    std::deque<Block> blocks;
+    std::vector<std::vector<unsigned char>> spareBuffers;
+    int blocksOut = 0;
+    bool wholeLaneRunning = false;
+    bool readerParked = false;
 
     mutable std::mutex mutex;
     Phase phase = Phase::Starting;
