@@ -85,7 +85,13 @@ TEST_F(AccountsTest, AnswersAnUnknownAccountWithA404Response) {
 
 TEST_F(AccountsTest, PassesTooManyRequestsThroughWithItsHeaders) {
     StartWorld({"--enable-test-hooks", "--rate-limit", "2/60000"});
-    const auto client = Connect(Config());
+    const auto recorder = Recorder();
+    auto config = Config();
+    config.SetTransport(recorder);
+    vantrocommon::RetryPolicy policy;
+    policy.budget = std::chrono::hours(1);  // Room enough to wait out Retry-After, were it tried.
+    config.SetRetryPolicy(policy);
+    const auto client = Connect(config);
 
     const auto first = Await(client->GetAccounts()->GetCurrentUser({}));
     const auto second = Await(client->GetAccounts()->GetCurrentUser({}));
@@ -99,6 +105,7 @@ TEST_F(AccountsTest, PassesTooManyRequestsThroughWithItsHeaders) {
     EXPECT_EQ(third->GetHeader().at("X-RATELIMIT-WINDOW"), "60000");
     ASSERT_EQ(third->GetHeader().count("RETRY-AFTER"), 1u);
     EXPECT_GT(std::stoi(third->GetHeader().at("RETRY-AFTER")), 0);
+    EXPECT_EQ(recorder->Exchanges().size(), 3u) << "a 429 is not retried";
 }
 
 TEST_F(AccountsTest, RetriesAServerErrorOfAGet) {
