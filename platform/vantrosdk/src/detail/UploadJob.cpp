@@ -615,36 +615,20 @@ void UploadJob::Succeed(std::shared_ptr<UploadResponse> response) {
 }
 
 void UploadJob::Refuse(std::shared_ptr<UploadResponse> response) {
-    if (!MarkFinished()) {
+    if (!Abandon()) {
         return;
     }
-    progress.Stop();
-    cancel.Cancel();
-    std::string id;
-    {
-        std::lock_guard lock(mutex);
-        id = uploadId;
-    }
-    DeleteAtService(id);
     promise.SetValue(std::move(response));
 }
 
 void UploadJob::Fail(std::exception_ptr failure) {
-    if (!MarkFinished()) {
+    if (!Abandon()) {
         return;
     }
-    progress.Stop();
-    cancel.Cancel();
-    std::string id;
-    {
-        std::lock_guard lock(mutex);
-        id = uploadId;
-    }
-    DeleteAtService(id);
     promise.SetException(std::move(failure));
 }
 
-bool UploadJob::Cancel() {
+bool UploadJob::Abandon() {
     if (!MarkFinished()) {
         return false;
     }
@@ -656,6 +640,13 @@ bool UploadJob::Cancel() {
         id = uploadId;
     }
     DeleteAtService(id);  // When the upload is still being made, OnCreated deletes it.
+    return true;
+}
+
+bool UploadJob::Cancel() {
+    if (!Abandon()) {
+        return false;
+    }
     // Completed on the executor: the caller of UploadCancel must not run continuations.
     core->Executor()->Post([self = shared_from_this()] {
         self->promise.SetException(

@@ -87,6 +87,9 @@ private:
     bool IsFinished() const;
     /// Marks the upload ended; false when it had ended already. Takes it out of the registry.
     bool MarkFinished();
+    /// Ends the job that has not ended yet: no more progress, requests stopped, the service
+    /// told to forget the upload. False, doing nothing, when it had already ended.
+    bool Abandon();
     void Succeed(std::shared_ptr<UploadResponse> response);
     /// Ends with an unsuccessful response of the service (the upload is deleted there).
     void Refuse(std::shared_ptr<UploadResponse> response);
