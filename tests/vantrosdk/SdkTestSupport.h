@@ -23,47 +23,15 @@
 #include <vantrosdk/VantroClient.h>
 #include <vantrosdk/VantroConfig.h>
 
+#include "support/AwaitFuture.h"
 #include "support/TemporaryDirectory.h"
 #include "support/VantroServerFixture.h"
 
 namespace sdktest {
 
-/// Waits until `future` completes, at most `limit`; true when it did.
-template <class T>
-bool WaitFor(const kelcore::async::Future<T>& future,
-             std::chrono::seconds limit = std::chrono::seconds(60)) {
-    struct State {
-        std::mutex mutex;
-        std::condition_variable done;
-        bool complete = false;
-    };
-    auto state = std::make_shared<State>();
-    future.Then([state](const kelcore::async::Future<T>&) {
-        std::lock_guard lock(state->mutex);
-        state->complete = true;
-        state->done.notify_all();
-    });
-    std::unique_lock lock(state->mutex);
-    return state->done.wait_for(lock, limit, [&] { return state->complete; });
-}
-
-/// Waits for `future` and answers its value; throws when it failed or did not complete in time.
-template <class T>
-T Await(const kelcore::async::Future<T>& future) {
-    if (!WaitFor(future)) {
-        throw std::runtime_error("the future did not complete within a minute");
-    }
-    return future.Get();
-}
-
-/// Waits for `future` and answers its result code (0 for a value).
-template <class T>
-kelcore::config::ResultCode AwaitResult(const kelcore::async::Future<T>& future) {
-    if (!WaitFor(future)) {
-        return kelcore::config::kResultFutureNotReady;
-    }
-    return kelcore::async::ResultOf(future);
-}
+using testsupport::Await;
+using testsupport::AwaitResult;
+using testsupport::WaitFor;
 
 /// Waits until `condition` holds, checked each time `Notify` is called; at most `limit`.
 class Signal {
