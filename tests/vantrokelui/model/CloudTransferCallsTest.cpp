@@ -24,7 +24,7 @@
 #include <vantrosdk/VantroConfig.h>
 
 #include "support/AwaitFuture.h"
-#include "vantrokelui/model/CloudShareFixture.h"
+#include "vantrokelui/support/CloudShareFixture.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <support/MainThreadFixture.h>
 #include <vantrokelui/utility/DataBindingTarget.h>
 
-#include "FakeSequenceHost.h"
+#include "vantrokelui/support/FakeSequenceHost.h"
 
 namespace vantrokelui {
 namespace {

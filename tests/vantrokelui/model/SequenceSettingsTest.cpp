@@ -6,7 +6,7 @@
 
 #include <kelcore/serialization/JSON.h>
 
-#include "FakeSequenceHost.h"
+#include "vantrokelui/support/FakeSequenceHost.h"
 
 namespace vantrokelui::model {
 namespace {

@@ -13,7 +13,7 @@
 #include <kelcore/threads/VirtualTime.h>
 #include <kelui/utility/OS_Time.h>
 
-#include "FakeSequenceHost.h"
+#include "vantrokelui/support/FakeSequenceHost.h"
 
 namespace vantrokelui::model {
 namespace {

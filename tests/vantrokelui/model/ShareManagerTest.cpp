@@ -15,8 +15,8 @@
 #include <vantrokelui/model/SequenceSettings.h>
 #include <vantrokelui/utility/DataBindingTarget.h>
 
-#include "FakeSequenceHost.h"
-#include "PanelProperties.h"
+#include "vantrokelui/support/FakeSequenceHost.h"
+#include "vantrokelui/support/PanelProperties.h"
 
 namespace vantrokelui::model {
 namespace {

@@ -14,8 +14,8 @@
 #include <vantrokelui/model/SequenceSettings.h>
 #include <vantrokelui/model/ShareManager.h>
 
-#include "FakeSequenceHost.h"
-#include "PanelProperties.h"
+#include "vantrokelui/support/FakeSequenceHost.h"
+#include "vantrokelui/support/PanelProperties.h"
 
 namespace vantrokelui::model {
 namespace {

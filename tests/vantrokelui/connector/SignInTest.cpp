@@ -18,7 +18,7 @@
 
 #include "support/AwaitFuture.h"
 #include "support/TestBrowser.h"
-#include "vantrokelui/model/CloudShareFixture.h"
+#include "vantrokelui/support/CloudShareFixture.h"
 
 namespace {
 
