@@ -37,13 +37,14 @@ TEST(FaultInjector, ClearDropsPendingFaults) {
 TEST(FaultInjector, ReadsEveryMember) {
     std::string error;
     const auto fault = ParseText(R"({"route": "/v2/me", "count": 3, "delay_ms": 250,
-        "status": 500, "drop": true, "malformed_rate_limit_headers": true})",
+        "status": 500, "drop": true, "drop_answer": true, "malformed_rate_limit_headers": true})",
                                  error);
     ASSERT_TRUE(fault) << error;
     EXPECT_EQ(fault->count, 3u);
     EXPECT_EQ(fault->delay, std::chrono::milliseconds(250));
     EXPECT_EQ(fault->status, 500u);
     EXPECT_TRUE(fault->drop);
+    EXPECT_TRUE(fault->dropAnswer);
     EXPECT_TRUE(fault->malformedRateLimitHeaders);
 }
 
@@ -59,6 +60,7 @@ TEST(FaultInjector, RefusesBadMembers) {
         R"({"route": "/x", "status": 99})",
         R"({"route": "/x", "status": 600})",
         R"({"route": "/x", "drop": "yes"})",
+        R"({"route": "/x", "drop_answer": 1})",
         R"({"route": "/x", "surprise": true})",
     };
     for (const char* text : bad) {

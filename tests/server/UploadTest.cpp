@@ -438,6 +438,54 @@ TEST_F(UploadTest, AnotherUsersUploadIsNotFound) {
               404);
 }
 
+TEST_F(UploadTest, AskingAgainAfterACompletionGetsTheSameFileAndOnlyWithTheSameDigest) {
+    StartWorld();
+    const auto file = RandomFile("again.mov", 1000);
+    const auto upload = Create(file, 0, NewId());
+    SendParts(upload, file, {1});
+    const auto digest = PartUploader::Sha256OfFile(file, 0, 1000);
+    const auto first = Complete(upload, digest);
+    ASSERT_EQ(first.status, 201) << first.body;
+    const auto again = Complete(upload, digest);
+    ASSERT_EQ(again.status, 201) << again.body;
+    EXPECT_EQ(again.Json().at("id"), first.Json().at("id"));
+    EXPECT_EQ(again.Json().at("version_stack_id"), first.Json().at("version_stack_id"));
+    EXPECT_EQ(Complete(upload, PartUploader::Sha256("something else")).status, 404);
+    EXPECT_EQ(
+        client.PostJson(UploadUrl(upload, "/complete"), {{"sha256", digest}}, Bearer(bobToken))
+            .status,
+        404);
+    // Still one file: the repeat made nothing.
+    const auto stack = std::string(first.Json().at("version_stack_id").as_string());
+    EXPECT_EQ(client.Get(Url("/v2/assets/" + stack + "/children"), Bearer(annToken))
+                  .Json()
+                  .as_array()
+                  .size(),
+              1u);
+}
+
+TEST_F(UploadTest, AnAnswerDroppedAfterTheRouteRanLeavesItsWorkDone) {
+    StartWorld();
+    const auto file = RandomFile("lost.mov", 1000);
+    const auto upload = Create(file);
+    SendParts(upload, file, {1});
+    ASSERT_EQ(client
+                  .PostJson(Url("/test/faults"),
+                            {{"route", "/v2/uploads/*/complete"}, {"drop_answer", true}})
+                  .status,
+              201);
+    const auto digest = PartUploader::Sha256OfFile(file, 0, 1000);
+    // A fresh connection: on a reused one, curl itself would quietly send the request again.
+    testsupport::HttpClient fresh;
+    const auto lost =
+        fresh.PostJson(UploadUrl(upload, "/complete"), {{"sha256", digest}}, Bearer(annToken));
+    EXPECT_EQ(lost.status, 0) << lost.body;
+    EXPECT_FALSE(lost.transportError.empty());
+    const auto again = Complete(upload, digest);
+    ASSERT_EQ(again.status, 201) << again.body;
+    EXPECT_EQ(again.Json().at("name").as_string(), "lost.mov");
+}
+
 TEST_F(UploadTest, AnEmptyFileIsOneEmptyPart) {
     StartWorld();
     const auto upload = CreateUpload({{"name", "empty.txt"}, {"filesize", 0}}).Json().as_object();

@@ -86,6 +86,20 @@ TEST(Database, RefusesAnotherSchemaVersion) {
     }
 }
 
+TEST(Database, AVersionTwoDatabaseGainsTheCompletedUploadsTable) {
+    testsupport::TemporaryDirectory directory;
+    const auto file = directory.Path() / "v2.db";
+    {
+        auto database = Database::Open(file, true);
+        auto lease = database->Acquire();
+        lease->Execute("DROP TABLE completed_uploads");
+        lease->Execute("PRAGMA user_version = 2");
+    }
+    auto database = Database::Open(file, false);
+    EXPECT_EQ(Pragma(*database, "user_version"), std::to_string(Database::kSchemaVersion));
+    EXPECT_NO_THROW(database->Acquire()->Execute("SELECT COUNT(*) FROM completed_uploads"));
+}
+
 TEST(Database, ForeignKeysAreEnforcedOnEveryPooledConnection) {
     testsupport::TemporaryDirectory directory;
     auto database = Database::Open(directory.Path() / "v.db", true);

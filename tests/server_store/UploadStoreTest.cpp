@@ -13,6 +13,7 @@ using vantroserver::store::UploadStore;
 
 constexpr std::int64_t kMiB = 1024 * 1024;
 constexpr std::chrono::seconds kDay{86400};
+const std::string kDigest(64, 'd');
 
 class UploadStoreTest : public StoreFixture {
 protected:
@@ -73,7 +74,7 @@ TEST_F(UploadStoreTest, CompletionMakesTheFileAndCountsItsStorage) {
     RecordAll(upload);
     std::string placed;
     const auto done = store->Uploads().Complete(
-        upload.id, [&](const vantroserver::store::Asset& file) { placed = file.id; });
+        upload.id, kDigest, [&](const vantroserver::store::Asset& file) { placed = file.id; });
     EXPECT_EQ(done.file.id, placed);
     EXPECT_EQ(done.file.parentId, root);
     EXPECT_EQ(done.file.filesize, 10 * kMiB);
@@ -85,9 +86,9 @@ TEST_F(UploadStoreTest, CompletionMakesTheFileAndCountsItsStorage) {
 TEST_F(UploadStoreTest, AFailureToPlaceTheBytesLeavesEverythingAsItWas) {
     const auto upload = store->Uploads().Create(Request(1000), kDay);
     RecordAll(upload);
-    EXPECT_THROW(
-        store->Uploads().Complete(upload.id, [](const auto&) { throw std::runtime_error("disk"); }),
-        std::runtime_error);
+    EXPECT_THROW(store->Uploads().Complete(upload.id, kDigest,
+                                           [](const auto&) { throw std::runtime_error("disk"); }),
+                 std::runtime_error);
     EXPECT_TRUE(store->Uploads().Find(upload.id).has_value());
     EXPECT_EQ(store->Uploads().Parts(upload.id).size(), 1u);
     EXPECT_EQ(store->Assets().Children(root, {0, 10}).total, 0u);
@@ -97,7 +98,7 @@ TEST_F(UploadStoreTest, AFailureToPlaceTheBytesLeavesEverythingAsItWas) {
 TEST_F(UploadStoreTest, MissingPartsRefuseCompletion) {
     const auto upload = store->Uploads().Create(Request(20 * kMiB), kDay);
     store->Uploads().RecordPart(upload.id, 1, 8 * kMiB, std::string(64, 'a'));
-    EXPECT_EQ(KindOf([&] { store->Uploads().Complete(upload.id, [](const auto&) {}); }),
+    EXPECT_EQ(KindOf([&] { store->Uploads().Complete(upload.id, kDigest, [](const auto&) {}); }),
               StoreError::Kind::Invalid);
 }
 
@@ -107,8 +108,8 @@ TEST_F(UploadStoreTest, AutoversionMakesOneStackAndNumbersTheVersions) {
     const auto second = store->Uploads().Create(Request(200, stack), kDay);
     RecordAll(first);
     RecordAll(second);
-    const auto a = store->Uploads().Complete(first.id, [](const auto&) {});
-    const auto b = store->Uploads().Complete(second.id, [](const auto&) {});
+    const auto a = store->Uploads().Complete(first.id, kDigest, [](const auto&) {});
+    const auto b = store->Uploads().Complete(second.id, kDigest, [](const auto&) {});
     EXPECT_TRUE(a.stackCreated);
     EXPECT_FALSE(b.stackCreated);
     EXPECT_EQ(a.file.version, 1);
@@ -149,6 +150,38 @@ TEST_F(UploadStoreTest, ARecordedPartCanBeReplacedOrForgotten) {
     EXPECT_TRUE(store->Uploads().Parts(upload.id).empty());
     EXPECT_EQ(KindOf([&] { store->Uploads().RecordPart(upload.id, 2, 5, "x"); }),
               StoreError::Kind::Invalid);
+}
+
+TEST_F(UploadStoreTest, ACompletionIsRememberedForItsUserAndDigestUntilTheUploadWouldExpire) {
+    const auto upload = store->Uploads().Create(Request(1000), kDay);
+    RecordAll(upload);
+    const auto done = store->Uploads().Complete(upload.id, kDigest, [](const auto&) {});
+    const auto again = store->Uploads().FindCompleted(upload.id, owner, kDigest);
+    ASSERT_TRUE(again.has_value());
+    EXPECT_EQ(again->file.id, done.file.id);
+    EXPECT_EQ(again->file.filesize, 1000);
+    EXPECT_FALSE(again->stackCreated);
+    EXPECT_FALSE(store->Uploads().FindCompleted(upload.id, AddUser("bob"), kDigest));
+    EXPECT_FALSE(store->Uploads().FindCompleted(upload.id, owner, std::string(64, 'e')));
+    EXPECT_FALSE(store->Uploads().FindCompleted("not an id", owner, kDigest));
+    Advance(kDay);
+    EXPECT_FALSE(store->Uploads().FindCompleted(upload.id, owner, kDigest));
+    // The sweep forgets it for good: turning the clock back does not bring it back.
+    store->Uploads().RemoveExpired();
+    Advance(-kDay);
+    EXPECT_FALSE(store->Uploads().FindCompleted(upload.id, owner, kDigest));
+}
+
+TEST_F(UploadStoreTest, ARememberedCompletionNamesItsStack) {
+    const std::string stack = vantroserver::security::NewId();
+    const auto upload = store->Uploads().Create(Request(100, stack), kDay);
+    RecordAll(upload);
+    store->Uploads().Complete(upload.id, kDigest, [](const auto&) {});
+    const auto again = store->Uploads().FindCompleted(upload.id, owner, kDigest);
+    ASSERT_TRUE(again.has_value());
+    EXPECT_EQ(again->versionStackId, stack);
+    EXPECT_EQ(again->file.version, 1);
+    EXPECT_EQ(again->file.parentId, stack);
 }
 
 }  // namespace

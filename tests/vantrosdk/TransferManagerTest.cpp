@@ -269,6 +269,24 @@ TEST_F(TransferManagerTest, RetriesAPartWhoseConnectionDropped) {
     EXPECT_EQ(ChildNames(root), std::vector<std::string>{"cut.mov"});
 }
 
+TEST_F(TransferManagerTest, ACompletionWhoseAnswerWasLostSucceedsWithTheFileItMade) {
+    StartWorld();
+    const auto client = Connect(UploadConfig());
+    InjectFault({{"route", "/v2/uploads/*/complete"}, {"drop_answer", true}, {"count", 1}});
+    const Guid stack = Guid::CreateUnique();
+    UploadRequest request(Guid(root), RandomFile("lost.mov", 6 * kMiB).string(), {});
+    request.SetAutoversionId(stack);
+    Guid transfer;
+
+    const auto response = Await(client->GetTransferManager()->Upload(request, transfer));
+
+    ASSERT_TRUE(response->IsSuccessful()) << response->GetHTTPStatusCode();
+    ASSERT_TRUE(response->GetAssetObject().id.has_value());
+    EXPECT_EQ(response->GetAssetObject().parentId, stack);
+    EXPECT_EQ(ChildNames(stack.AsString()), std::vector<std::string>{"lost.mov"})
+        << "the retried completion made nothing new";
+}
+
 TEST_F(TransferManagerTest, ResumesFromTheUploadsStatusWhenAPartsRetriesAreSpent) {
     StartWorld();
     const auto recorder = Recorder();

@@ -33,6 +33,15 @@ std::optional<std::int64_t> NonNegativeInteger(const boost::json::value& value) 
     return std::nullopt;
 }
 
+/// What a completion answers: the file, and its stack when versioned.
+boost::json::object CompletedView(const store::CompletedUpload& completed) {
+    auto view = JsonViews::Of(completed.file);
+    if (!completed.versionStackId.empty()) {
+        view["version_stack_id"] = completed.versionStackId;
+    }
+    return view;
+}
+
 boost::json::object UploadView(const store::Upload& upload) {
     boost::json::object object{{"upload_id", upload.id},
                                {"name", upload.name},
@@ -246,17 +255,27 @@ Response UploadEndpoints::Status(const http::RequestContext& context) const {
 
 Response UploadEndpoints::Complete(const http::RequestContext& context) const {
     const auto upload = OwnUpload(context);
-    if (!upload) {
-        return Response::NotFound();
-    }
     std::string error;
     const auto body = http::JsonBody::ParseObject(context, error);
+    const auto* sha256 = body ? body->if_contains("sha256") : nullptr;
+    const bool digestGiven =
+        sha256 && sha256->is_string() && security::Sha256Stream::IsHexDigest(sha256->get_string());
+    if (!upload) {
+        // Asked again after a completion whose answer was lost: the same answer.
+        if (digestGiven) {
+            const auto earlier = store->Uploads().FindCompleted(
+                context.Param("id"), context.User().userId,
+                security::Sha256Stream::NormalizeHexDigest(sha256->get_string()));
+            if (earlier) {
+                return Response::Json(status::created, CompletedView(*earlier));
+            }
+        }
+        return Response::NotFound();
+    }
     if (!body) {
         return Response::BadRequest(error);
     }
-    const auto* sha256 = body->if_contains("sha256");
-    if (!sha256 || !sha256->is_string() ||
-        !security::Sha256Stream::IsHexDigest(sha256->get_string())) {
+    if (!digestGiven) {
         return Response::BadRequest("sha256 must give the whole file's SHA-256 as 64 hex digits");
     }
     if (inFlight->Any(upload->id)) {
@@ -301,7 +320,7 @@ Response UploadEndpoints::Complete(const http::RequestContext& context) const {
     }
     store::CompletedUpload completed;
     try {
-        completed = store->Uploads().Complete(upload->id, [&](const store::Asset& file) {
+        completed = store->Uploads().Complete(upload->id, actual, [&](const store::Asset& file) {
             std::filesystem::rename(dataFile, mediaDirectory / file.id);
         });
     } catch (const store::StoreError& refused) {
@@ -319,11 +338,7 @@ Response UploadEndpoints::Complete(const http::RequestContext& context) const {
         }
         throw;
     }
-    auto view = JsonViews::Of(completed.file);
-    if (!completed.versionStackId.empty()) {
-        view["version_stack_id"] = completed.versionStackId;
-    }
-    return Response::Json(status::created, view);
+    return Response::Json(status::created, CompletedView(completed));
 }
 
 Response UploadEndpoints::Abort(const http::RequestContext& context) const {

@@ -93,6 +93,12 @@ std::optional<FaultInjector::Fault> FaultInjector::Parse(const boost::json::obje
                 return std::nullopt;
             }
             fault.drop = value.as_bool();
+        } else if (key == "drop_answer") {
+            if (!value.is_bool()) {
+                error = "drop_answer must be true or false";
+                return std::nullopt;
+            }
+            fault.dropAnswer = value.as_bool();
         } else if (key == "malformed_rate_limit_headers") {
             if (!value.is_bool()) {
                 error = "malformed_rate_limit_headers must be true or false";

@@ -1,5 +1,6 @@
 // Faults a test asks for through `POST /test/faults`: for the next N requests whose path fits a
-// pattern, wait, answer a chosen status, drop the connection or spoil the rate-limit headers.
+// pattern, wait, answer a chosen status, drop the connection (before or after the route has
+// run) or spoil the rate-limit headers.
 // Exists only when the server runs with --enable-test-hooks. Owned by the server; any thread.
 //
 //   injector.Add(fault);                            // from the /test/faults route
@@ -25,6 +26,7 @@ public:
         std::chrono::milliseconds delay{0};
         std::optional<unsigned> status;
         bool drop = false;
+        bool dropAnswer = false;  ///< run the route, then close without answering
         bool malformedRateLimitHeaders = false;
     };
 

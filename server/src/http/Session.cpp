@@ -181,12 +181,17 @@ private:
     }
 
     void DispatchStreamed(const std::optional<hooks::FaultInjector::Fault>& fault) {
+        streamedFault = fault;
         if (fault && fault->drop) {
             Drop();
             return;
         }
         auto start = dispatcher->DispatchHeader(*streamedHead, fault);
         if (auto* answer = std::get_if<Response>(&start)) {
+            if (fault && fault->dropAnswer) {
+                Drop();
+                return;
+            }
             if (streamParser->is_done()) {
                 Write(std::move(*answer), streamedHead->keep_alive(), false);
             } else {
@@ -254,7 +259,12 @@ private:
 
     void FinishStreamedBody() {
         auto finished = std::move(sink);
-        Write(finished->Finish(), streamedHead->keep_alive(), false);
+        Response answer = finished->Finish();
+        if (streamedFault && streamedFault->dropAnswer) {
+            Drop();
+            return;
+        }
+        Write(std::move(answer), streamedHead->keep_alive(), false);
     }
 
     void Drop() {
@@ -321,6 +331,11 @@ private:
         }
         const auto& request = parser->get();
         Response response = dispatcher->Dispatch(request, fault);
+        if (fault && fault->dropAnswer) {
+            // The route has done its work; the client never learns of it.
+            Drop();
+            return;
+        }
         if (response.Stream()) {
             StartEventStream(std::move(response));
             return;
@@ -503,6 +518,7 @@ private:
     // and the route's sink.
     std::optional<StreamParser> streamParser;
     std::optional<RequestContext::Message> streamedHead;
+    std::optional<hooks::FaultInjector::Fault> streamedFault;  // the streamed request's, if any
     std::shared_ptr<BodySink> sink;
     std::unique_ptr<char[]> piece;
     asio::steady_timer timer;

@@ -160,6 +160,23 @@ CREATE TABLE review_link_items (
 CREATE INDEX review_link_items_by_asset ON review_link_items (asset_id);
 )sql";
 
+// Added in version 3; a version 2 database gains it on open.
+constexpr const char* kCompletedUploadsSchema = R"sql(
+-- A completed upload, kept until the upload would have expired: a client whose completion
+-- answer was lost asks again and gets the same file instead of a 404.
+CREATE TABLE completed_uploads (
+    id TEXT PRIMARY KEY,
+    user_id TEXT NOT NULL REFERENCES users(id) ON DELETE CASCADE,
+    file_id TEXT NOT NULL REFERENCES assets(id) ON DELETE CASCADE,
+    version_stack_id TEXT,
+    sha256 TEXT NOT NULL,
+    expires_at INTEGER NOT NULL
+);
+CREATE INDEX completed_uploads_by_expiry ON completed_uploads (expires_at);
+)sql";
+
+constexpr int kVersionBeforeCompletedUploads = 2;
+
 }  // namespace
 
 Database::Lease::Lease(std::shared_ptr<Database> database, std::unique_ptr<Connection> connection)
@@ -217,6 +234,12 @@ void Database::ApplySchema(Connection& connection, bool create) {
     if (version == kSchemaVersion) {
         return;
     }
+    if (version == kVersionBeforeCompletedUploads) {
+        connection.Execute(kCompletedUploadsSchema);
+        connection.Execute("PRAGMA user_version = " + std::to_string(kSchemaVersion));
+        transaction.Commit();
+        return;
+    }
     if (version != 0) {
         throw StoreError(StoreError::Kind::Database,
                          "the database " + file.string() + " has schema version " +
@@ -228,6 +251,7 @@ void Database::ApplySchema(Connection& connection, bool create) {
                          file.string() + " is not a vantro-server database");
     }
     connection.Execute(kSchema);
+    connection.Execute(kCompletedUploadsSchema);
     connection.Execute("PRAGMA user_version = " + std::to_string(kSchemaVersion));
     transaction.Commit();
 }

@@ -55,7 +55,7 @@ public:
     const std::filesystem::path& File() const { return file; }
 
     /// The schema version this build writes and reads.
-    static constexpr int kSchemaVersion = 2;
+    static constexpr int kSchemaVersion = 3;
 
 private:
     struct PrivateTag {};

@@ -199,7 +199,7 @@ void UploadStore::ForgetPart(std::string_view uploadId, std::int64_t number) {
         .Run();
 }
 
-CompletedUpload UploadStore::Complete(std::string_view uploadId,
+CompletedUpload UploadStore::Complete(std::string_view uploadId, std::string_view sha256,
                                       const std::function<void(const Asset& file)>& placeBytes) {
     auto lease = core->Acquire();
     Transaction transaction(*lease);
@@ -233,9 +233,47 @@ CompletedUpload UploadStore::Complete(std::string_view uploadId,
         completed.versionStackId = upload->autoversionId;
     }
     completed.file = AssetRows::InsertFile(*core, *lease, parentId, upload->name, upload->filesize);
+    lease
+        ->Prepare(
+            "INSERT INTO completed_uploads (id, user_id, file_id, version_stack_id, sha256, "
+            "expires_at) VALUES (?, ?, ?, ?, ?, ?)")
+        .Bind(1, upload->id)
+        .Bind(2, upload->userId)
+        .Bind(3, completed.file.id)
+        .Bind(4, completed.versionStackId)
+        .Bind(5, sha256)
+        .Bind(6, MillisecondsOf(upload->expiresAt))
+        .Run();
     placeBytes(completed.file);
     transaction.Commit();
     return completed;
+}
+
+std::optional<CompletedUpload> UploadStore::FindCompleted(std::string_view uploadId,
+                                                          std::string_view userId,
+                                                          std::string_view sha256) const {
+    if (!security::IsWellFormedId(uploadId)) {
+        return std::nullopt;
+    }
+    auto lease = core->Acquire();
+    Statement statement = lease->Prepare(
+        "SELECT file_id, version_stack_id FROM completed_uploads "
+        "WHERE id = ? AND user_id = ? AND sha256 = ? AND expires_at > ?");
+    statement.Bind(1, uploadId)
+        .Bind(2, userId)
+        .Bind(3, sha256)
+        .Bind(4, MillisecondsOf(core->Now()));
+    if (!statement.Step()) {
+        return std::nullopt;
+    }
+    const std::string fileId = statement.ColumnText(0);
+    const std::string stackId = statement.ColumnText(1);
+    statement.Run();
+    auto file = AssetRows::Find(*lease, fileId);
+    if (!file) {
+        return std::nullopt;
+    }
+    return CompletedUpload{std::move(*file), stackId, false};
 }
 
 bool UploadStore::Remove(std::string_view uploadId) {
@@ -260,6 +298,7 @@ std::vector<std::string> UploadStore::RemoveExpired() {
         }
     }
     lease->Prepare("DELETE FROM uploads WHERE expires_at <= ?").Bind(1, now).Run();
+    lease->Prepare("DELETE FROM completed_uploads WHERE expires_at <= ?").Bind(1, now).Run();
     transaction.Commit();
     return ids;
 }

@@ -61,16 +61,23 @@ public:
     void ForgetPart(std::string_view uploadId, std::int64_t number);
 
     /// In one transaction: makes the file asset (and its version stack when asked), releases
-    /// the upload and calls `placeBytes` with the new file before committing, so that a failure
-    /// to place the bytes leaves everything as it was. Throws StoreError: NotFound when the
-    /// upload or its folder is gone, Invalid when parts are missing, Conflict when the
+    /// the upload, remembers the completion (with the whole file's `sha256`) until the upload
+    /// would have expired, and calls `placeBytes` with the new file before committing, so that a
+    /// failure to place the bytes leaves everything as it was. Throws StoreError: NotFound when
+    /// the upload or its folder is gone, Invalid when parts are missing, Conflict when the
     /// autoversion id now names something else than a version stack, StorageLimit.
-    CompletedUpload Complete(std::string_view uploadId,
+    CompletedUpload Complete(std::string_view uploadId, std::string_view sha256,
                              const std::function<void(const Asset& file)>& placeBytes);
+
+    /// The completion of `uploadId` by `userId` with the same `sha256`, while it is remembered
+    /// and its file exists: what a repeated completion answers. `stackCreated` is false.
+    std::optional<CompletedUpload> FindCompleted(std::string_view uploadId, std::string_view userId,
+                                                 std::string_view sha256) const;
 
     /// Removes an upload and its parts; false when there was none.
     bool Remove(std::string_view uploadId);
-    /// Removes the uploads whose time ran out; returns their ids (their bytes are the caller's).
+    /// Removes the uploads whose time ran out, and the completions remembered as long; returns
+    /// the uploads' ids (their bytes are the caller's).
     std::vector<std::string> RemoveExpired();
 
 private:
