@@ -1,7 +1,7 @@
 // Upload throughput of the review server over loopback: a file (1 GiB by default) uploaded
-// through the upload API in two ways, each against the same file streamed in one plain PUT by
-// the curl command-line tool to /test/sink (the baseline: one body written to disk, no
-// checksums), measured once in the same run:
+// through the upload API in two ways, each against the same file streamed in one plain libcurl
+// PUT to /test/sink (the baseline: one body written to disk, no checksums), measured once in the
+// same run:
 //   - a few large parts (4 by default), all sent in parallel;
 //   - the client's usual shape: 8 MiB parts, at most 4 in flight, a new one starting as soon
 //     as another is answered.
@@ -29,16 +29,18 @@
 #include <thread>
 #include <vector>
 
+#include "BenchTools.h"
 #include "BenchWorld.h"
 #include "http/Server.h"
 #include "store/DataDirectory.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using namespace vantroserver;
-
-constexpr std::uint64_t kMiB = 1024 * 1024;
+using bench::Clock;
+using bench::kMiB;
+using bench::MegabytesPerSecond;
+using bench::Seconds;
 
 std::string Hex(const unsigned char* digest, unsigned int length) {
     static constexpr char kDigits[] = "0123456789abcdef";
@@ -193,71 +195,6 @@ bool SendParts(std::vector<Part>& parts, std::size_t inFlight, const std::string
     return ok;
 }
 
-double Seconds(Clock::duration duration) {
-    return std::chrono::duration<double>(duration).count();
-}
-
-double MegabytesPerSecond(std::uint64_t bytes, double seconds) {
-    return static_cast<double>(bytes) / 1e6 / seconds;
-}
-
-struct Options {
-    std::uint64_t sizeMiB = 1024;
-    std::uint64_t parallelParts = 4;
-    std::uint64_t partMiB = 8;
-    std::uint64_t inFlight = 4;
-};
-
-void PrintUsage(const char* program) {
-    std::printf(
-        "usage: %s [--size-mib N] [--parallel-parts N] [--part-mib N] [--in-flight N]\n"
-        "  --size-mib N        the file's size in MiB (default 1024)\n"
-        "  --parallel-parts N  the first case: the file in N parts, all sent at once "
-        "(default 4)\n"
-        "  --part-mib N        the second case: parts of N MiB (default 8)\n"
-        "  --in-flight N       the second case: at most N parts under way (default 4)\n",
-        program);
-}
-
-/// Reads the flags; false (after saying why) when they are not understood. `help` is set for
-/// --help.
-bool ParseOptions(int argc, char** argv, Options& options, bool& help) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string flag = argv[i];
-        if (flag == "--help" || flag == "-h") {
-            help = true;
-            return true;
-        }
-        std::uint64_t* target = nullptr;
-        if (flag == "--size-mib") {
-            target = &options.sizeMiB;
-        } else if (flag == "--parallel-parts") {
-            target = &options.parallelParts;
-        } else if (flag == "--part-mib") {
-            target = &options.partMiB;
-        } else if (flag == "--in-flight") {
-            target = &options.inFlight;
-        } else {
-            std::fprintf(stderr, "unknown argument %s\n", flag.c_str());
-            return false;
-        }
-        if (i + 1 >= argc) {
-            std::fprintf(stderr, "%s needs a number\n", flag.c_str());
-            return false;
-        }
-        const std::string text = argv[++i];
-        std::uint64_t value = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (error != std::errc() || end != text.data() + text.size() || value == 0) {
-            std::fprintf(stderr, "%s needs a whole number above 0, not %s\n", flag.c_str(),
-                         text.c_str());
-            return false;
-        }
-        *target = value;
-    }
-    return true;
-}
-
 struct ChunkedResult {
     double seconds = 0;
     double completeSeconds = 0;
@@ -325,14 +262,26 @@ std::optional<ChunkedResult> UploadInParts(const std::string& base,
 }  // namespace
 
 int main(int argc, char** argv) {
-    Options flags;
+    struct {
+        std::uint64_t sizeMiB = 1024;
+        std::uint64_t parallelParts = 4;
+        std::uint64_t partMiB = 8;
+        std::uint64_t inFlight = 4;
+    } flags;
+    const bench::NumberFlag known[] = {
+        {"--size-mib", &flags.sizeMiB, "the file's size in MiB"},
+        {"--parallel-parts", &flags.parallelParts,
+         "the first case: the file in N parts, all sent at once"},
+        {"--part-mib", &flags.partMiB, "the second case: parts of N MiB"},
+        {"--in-flight", &flags.inFlight, "the second case: at most N parts under way"},
+    };
     bool help = false;
-    if (!ParseOptions(argc, argv, flags, help)) {
-        PrintUsage(argv[0]);
+    if (!bench::ParseNumberFlags(argc, argv, known, help)) {
+        bench::PrintUsage(argv[0], known);
         return 2;
     }
     if (help) {
-        PrintUsage(argv[0]);
+        bench::PrintUsage(argv[0], known);
         return 0;
     }
     const std::uint64_t size = flags.sizeMiB * kMiB;
@@ -344,27 +293,10 @@ int main(int argc, char** argv) {
     const auto& project = world.project;
     const std::string& authorization = world.authorization;
 
-    // Random bytes (xorshift: cheap, and nothing for a filesystem to compress or skip).
     const auto source = root / "source.mov";
-    {
-        const int out = ::open(source.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        std::vector<std::uint64_t> block(kMiB / sizeof(std::uint64_t));
-        std::uint64_t state = 0x9e3779b97f4a7c15ULL;
-        for (std::uint64_t written = 0; written < size; written += kMiB) {
-            for (auto& word : block) {
-                state ^= state << 13;
-                state ^= state >> 7;
-                state ^= state << 17;
-                word = state;
-            }
-            const auto count =
-                static_cast<std::size_t>(std::min<std::uint64_t>(kMiB, size - written));
-            if (::write(out, block.data(), count) != static_cast<ssize_t>(count)) {
-                std::fprintf(stderr, "cannot write the source file\n");
-                return 1;
-            }
-        }
-        ::close(out);
+    if (!bench::WriteRandomFile(source, size)) {
+        std::fprintf(stderr, "cannot write the source file\n");
+        return 1;
     }
 
     http::ServeOptions options;
@@ -379,21 +311,12 @@ int main(int argc, char** argv) {
     std::printf("vantro-server uploads of %llu MiB vs one plain PUT\n",
                 static_cast<unsigned long long>(flags.sizeMiB));
 
-    // The baseline: the command-line tool streams the file in one request.
-    const std::string command =
-        "curl -sS -o /dev/null -w '%{http_code}' -T " + source.string() + " " + base + "/test/sink";
-    const auto plainStart = Clock::now();
-    FILE* pipe = ::popen(command.c_str(), "r");
-    char code[8] = {};
-    const bool readCode = pipe && std::fgets(code, sizeof(code), pipe) != nullptr;
-    const int plainExit = pipe ? ::pclose(pipe) : -1;
-    const double plainSeconds = Seconds(Clock::now() - plainStart);
-    if (!readCode || plainExit != 0 || std::string(code) != "201") {
-        std::fprintf(stderr, "plain PUT failed: exit %d, status %s\n", plainExit, code);
+    const double plainSeconds = bench::PlainPut(base + "/test/sink", source, size);
+    if (plainSeconds < 0) {
         return 1;
     }
     const double plain = MegabytesPerSecond(size, plainSeconds);
-    std::printf("plain    (curl -T, /test/sink): %8.1f MB/s  (%.2f s)\n", plain, plainSeconds);
+    std::printf("plain    (libcurl PUT, /test/sink): %8.1f MB/s  (%.2f s)\n", plain, plainSeconds);
 
     const int descriptor = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
     const auto hashStart = Clock::now();

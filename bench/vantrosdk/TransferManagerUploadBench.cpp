@@ -32,18 +32,16 @@
 #include <vantrosdk/VantroClient.h>
 #include <vantrosdk/VantroConfig.h>
 
+#include "../server/BenchTools.h"
 #include "../server/BenchWorld.h"
 #include "http/Server.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr std::uint64_t kMiB = 1024 * 1024;
-
-double Seconds(Clock::duration duration) {
-    return std::chrono::duration<double>(duration).count();
-}
+using vantroserver::bench::Clock;
+using vantroserver::bench::kMiB;
+using vantroserver::bench::MegabytesPerSecond;
+using vantroserver::bench::Seconds;
 
 /// CPU time of the whole process (client and in-process server), user and system.
 double ProcessCpuSeconds() {
@@ -53,119 +51,6 @@ double ProcessCpuSeconds() {
         return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
     };
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-double MegabytesPerSecond(std::uint64_t bytes, double seconds) {
-    return static_cast<double>(bytes) / 1e6 / seconds;
-}
-
-struct Options {
-    std::uint64_t sizeMiB = 1024;
-    std::uint64_t partMiB = 8;
-    std::uint64_t inFlight = 4;
-};
-
-void PrintUsage(const char* program) {
-    std::printf(
-        "usage: %s [--size-mib N] [--part-mib N] [--in-flight N]\n"
-        "  --size-mib N   the file's size in MiB (default 1024)\n"
-        "  --part-mib N   the SDK's part size in MiB (default 8)\n"
-        "  --in-flight N  the SDK's parts in flight (default 4)\n",
-        program);
-}
-
-bool ParseOptions(int argc, char** argv, Options& options, bool& help) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string flag = argv[i];
-        if (flag == "--help" || flag == "-h") {
-            help = true;
-            return true;
-        }
-        std::uint64_t* target = nullptr;
-        if (flag == "--size-mib") {
-            target = &options.sizeMiB;
-        } else if (flag == "--part-mib") {
-            target = &options.partMiB;
-        } else if (flag == "--in-flight") {
-            target = &options.inFlight;
-        } else {
-            std::fprintf(stderr, "unknown argument %s\n", flag.c_str());
-            return false;
-        }
-        if (i + 1 >= argc) {
-            std::fprintf(stderr, "%s needs a number\n", flag.c_str());
-            return false;
-        }
-        const std::string text = argv[++i];
-        std::uint64_t value = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (error != std::errc() || end != text.data() + text.size() || value == 0) {
-            std::fprintf(stderr, "%s needs a whole number above 0, not %s\n", flag.c_str(),
-                         text.c_str());
-            return false;
-        }
-        *target = value;
-    }
-    return true;
-}
-
-/// Random bytes (xorshift: cheap, and nothing for a filesystem to compress or skip).
-bool WriteSource(const std::filesystem::path& path, std::uint64_t size) {
-    const int out = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (out < 0) {
-        return false;
-    }
-    std::vector<std::uint64_t> block(kMiB / sizeof(std::uint64_t));
-    std::uint64_t state = 0x9e3779b97f4a7c15ULL;
-    for (std::uint64_t written = 0; written < size; written += kMiB) {
-        for (auto& word : block) {
-            state ^= state << 13;
-            state ^= state >> 7;
-            state ^= state << 17;
-            word = state;
-        }
-        const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kMiB, size - written));
-        if (::write(out, block.data(), count) != static_cast<ssize_t>(count)) {
-            ::close(out);
-            return false;
-        }
-    }
-    return ::close(out) == 0;
-}
-
-std::size_t Discard(char*, std::size_t size, std::size_t count, void*) {
-    return size * count;
-}
-
-/// The baseline: the file in one PUT through libcurl's easy interface, as plainly as it comes.
-/// The seconds it took, or a negative number on failure.
-double PlainPut(const std::string& url, const std::filesystem::path& source, std::uint64_t size) {
-    FILE* file = std::fopen(source.c_str(), "rb");
-    if (!file) {
-        return -1;
-    }
-    CURL* curl = curl_easy_init();
-    curl_slist* headers = curl_slist_append(nullptr, "Expect:");
-    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
-    curl_easy_setopt(curl, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(curl, CURLOPT_READDATA, file);
-    curl_easy_setopt(curl, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
-    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers);
-    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &Discard);
-    const auto start = Clock::now();
-    const CURLcode result = curl_easy_perform(curl);
-    const double seconds = Seconds(Clock::now() - start);
-    long status = 0;
-    curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
-    curl_slist_free_all(headers);
-    curl_easy_cleanup(curl);
-    std::fclose(file);
-    if (result != CURLE_OK || status != 201) {
-        std::fprintf(stderr, "plain PUT failed: %s, status %ld\n", curl_easy_strerror(result),
-                     status);
-        return -1;
-    }
-    return seconds;
 }
 
 struct SdkRun {
@@ -234,14 +119,23 @@ SdkRun UploadThroughSdk(const std::string& folder, const std::filesystem::path& 
 }  // namespace
 
 int main(int argc, char** argv) {
-    Options flags;
+    struct {
+        std::uint64_t sizeMiB = 1024;
+        std::uint64_t partMiB = 8;
+        std::uint64_t inFlight = 4;
+    } flags;
+    const vantroserver::bench::NumberFlag known[] = {
+        {"--size-mib", &flags.sizeMiB, "the file's size in MiB"},
+        {"--part-mib", &flags.partMiB, "the SDK's part size in MiB"},
+        {"--in-flight", &flags.inFlight, "the SDK's parts in flight"},
+    };
     bool help = false;
-    if (!ParseOptions(argc, argv, flags, help)) {
-        PrintUsage(argv[0]);
+    if (!vantroserver::bench::ParseNumberFlags(argc, argv, known, help)) {
+        vantroserver::bench::PrintUsage(argv[0], known);
         return 2;
     }
     if (help) {
-        PrintUsage(argv[0]);
+        vantroserver::bench::PrintUsage(argv[0], known);
         return 0;
     }
     const std::uint64_t size = flags.sizeMiB * kMiB;
@@ -249,7 +143,7 @@ int main(int argc, char** argv) {
 
     auto world = vantroserver::bench::BenchWorld::Create();
     const auto source = world.root / "source.mov";
-    if (!WriteSource(source, size)) {
+    if (!vantroserver::bench::WriteRandomFile(source, size)) {
         std::fprintf(stderr, "cannot write the source file\n");
         return 1;
     }
@@ -286,7 +180,7 @@ int main(int argc, char** argv) {
         static_cast<unsigned long long>(flags.inFlight));
 
     const double plainCpuStart = ProcessCpuSeconds();
-    const double plainSeconds = PlainPut(base + "/test/sink", source, size);
+    const double plainSeconds = vantroserver::bench::PlainPut(base + "/test/sink", source, size);
     if (plainSeconds < 0) {
         return 1;
     }
