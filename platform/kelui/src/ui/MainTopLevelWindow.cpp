@@ -4,8 +4,6 @@
 
 namespace kelui::ui {
 
-UI_Window::~UI_Window() = default;
-
 namespace {
 
 struct Registration {

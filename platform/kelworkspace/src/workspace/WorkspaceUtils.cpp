@@ -4,9 +4,6 @@
 
 namespace kelworkspace::workspace {
 
-Workspace::~Workspace() = default;
-TopLevelWindow::~TopLevelWindow() = default;
-
 std::shared_ptr<TopLevelWindow> WorkspaceUtils::FindMainTopLevelWindow() {
     return std::dynamic_pointer_cast<TopLevelWindow>(kelui::ui::GetMainTopLevelWindow());
 }

@@ -12,7 +12,7 @@ class UI_Window {
 public:
     virtual ~UI_Window();
 
-    /// The window's title, for messages that name it (a headless toast prints it). Any thread.
+    /// The window's title, for messages that name the window. Any thread.
     virtual kelcore::string::string GetTitle() const = 0;
 
 protected:

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include <kelui/dialogs/messagebox/MessageboxRequest.h>
 #include <kelui/dialogs/messagebox/UI_MessageBox.h>
