@@ -749,8 +749,8 @@ void ShareManager::ClearTotalTimeListForJob(const string& jobID) {
     }
 }
 
-void ShareManager::OnUploadProgress(const std::shared_ptr<ShareJob>& job, const string& jobID,
-                                    std::uint64_t sent, std::uint64_t total) {
+void ShareManager::HandleUploadProgress(const std::shared_ptr<ShareJob>& job, const string& jobID,
+                                        std::uint64_t sent, std::uint64_t total) {
     const double fraction = static_cast<double>(sent) / static_cast<double>(total);
     job->SetEncodingProgress(fraction);
     if (IsActiveJob(jobID)) {
@@ -793,13 +793,13 @@ void ShareManager::StartUpload(const string& jobID) {
     UploadProgressCallback progress = [life = life, job, jobID](std::uint64_t sent,
                                                                 std::uint64_t total) {
         WithManager(life, [&](ShareManager& manager) {
-            manager.OnUploadProgress(job, jobID, sent, total);
+            manager.HandleUploadProgress(job, jobID, sent, total);
         });
     };
     UploadFinishedCallback finished = [life = life, job, jobID, guids](bool ok, bool cancelled,
                                                                        const Guid& asset) {
         WithManager(life, [&](ShareManager& manager) {
-            manager.OnUploadFinished(job, jobID, guids, ok, cancelled, asset);
+            manager.HandleUploadFinished(job, jobID, guids, ok, cancelled, asset);
         });
     };
     string transferID;
@@ -808,9 +808,9 @@ void ShareManager::StartUpload(const string& jobID) {
     job->SetUploadingJobID(transferID);
 }
 
-void ShareManager::OnUploadFinished(const std::shared_ptr<ShareJob>& job, const string& jobID,
-                                    const ProcessingGuids& guids, bool ok, bool cancelled,
-                                    const Guid& asset) {
+void ShareManager::HandleUploadFinished(const std::shared_ptr<ShareJob>& job, const string& jobID,
+                                        const ProcessingGuids& guids, bool ok, bool cancelled,
+                                        const Guid& asset) {
     namespace logging = utility::SDMLogging;
     if (ok) {
         logging::LogUploadResult(logging::UploadResultKind::Success);

@@ -221,6 +221,22 @@ public:
     /// file, clears the sequence's modified mark, shows the copy-link screen for the active
     /// sequence and drops a job whose status is UploadDone. Any thread.
     void FinalizeUpload(const kelcore::string::string& jobID);
+    /// What StartUpload's progress callback runs for `job` (held by the callback, so it works
+    /// after the job has left the map): stores the fraction sent/total in the job, publishes it
+    /// for the active job and, once time has passed and something was sent, feeds the speed and
+    /// the upload estimator. Any thread (the cloud library's).
+    void HandleUploadProgress(const std::shared_ptr<ShareJob>& job,
+                              const kelcore::string::string& jobID, std::uint64_t sent,
+                              std::uint64_t total);
+    /// What StartUpload's finished callback runs. Success: the usage event, the upload's result
+    /// stored with the sequence (asset, link, link URL, version stack), status UploadDone, then
+    /// FinalizeUpload. Failure: the usage event, ShareFailed, status UploadFailed and screen 4.
+    /// Cancelled: the usage event, status UploadCancelled and screen 4, no toast. Any thread
+    /// (the cloud library's).
+    void HandleUploadFinished(const std::shared_ptr<ShareJob>& job,
+                              const kelcore::string::string& jobID,
+                              const ProcessingGuids& processingGuids, bool ok, bool cancelled,
+                              const kelcore::utility::Guid& asset);
     /// Stores `asset` as the sequence's uploaded asset. Any thread.
     void SetUploadedAssetID(const kelcore::utility::Guid& project,
                             const kelcore::utility::Guid& sequence,
@@ -301,13 +317,6 @@ private:
     // The share's last steps, once the asset is where it belongs (FinalizeUpload).
     void FinishShare(const std::shared_ptr<ShareJob>& job, const kelcore::string::string& jobID,
                      const kelcore::string::string& outputFilePath);
-    void OnUploadProgress(const std::shared_ptr<ShareJob>& job,
-                          const kelcore::string::string& jobID, std::uint64_t sent,
-                          std::uint64_t total);
-    void OnUploadFinished(const std::shared_ptr<ShareJob>& job,
-                          const kelcore::string::string& jobID,
-                          const ProcessingGuids& processingGuids, bool ok, bool cancelled,
-                          const kelcore::utility::Guid& asset);
 
     std::shared_ptr<Life> life;
 
