@@ -5,6 +5,10 @@
 // safe on any thread.
 #pragma once
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -72,6 +76,17 @@ public:
         const std::lock_guard lock(mutex);
         writes.clear();
     }
+    /// Waits until `write` ("CurrentViewID=10") has been made `count` times since the last
+    /// ClearWrites, whichever thread makes it; whether it was. The limit is a wall-clock bound
+    /// for a failing test only.
+    bool WaitForWrite(const std::string& write, std::size_t count = 1,
+                      std::chrono::seconds limit = std::chrono::seconds(120)) {
+        std::unique_lock lock(mutex);
+        return written.wait_for(lock, limit, [&] {
+            return static_cast<std::size_t>(std::count(writes.begin(), writes.end(), write)) >=
+                   count;
+        });
+    }
 
     void SetActiveAssetName(const string& value) override {
         Log("ActiveAssetName", kelcore::string::UTF16toStdString(value));
@@ -126,9 +141,11 @@ private:
     void Log(const std::string& name, const std::string& value) {
         const std::lock_guard lock(mutex);
         writes.push_back(name + "=" + value);
+        written.notify_all();
     }
 
     mutable std::mutex mutex;
+    std::condition_variable written;
     std::vector<std::string> writes;
 };
 

@@ -6,6 +6,8 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -45,12 +47,20 @@ public:
         const std::lock_guard lock(mutex);
         return cancels;
     }
+    /// Waits until `count` renders were asked for; whether they were. A wall-clock bound for a
+    /// failing test only.
+    bool WaitForRenders(std::size_t count,
+                        std::chrono::seconds limit = std::chrono::seconds(120)) const {
+        std::unique_lock lock(mutex);
+        return asked.wait_for(lock, limit, [&] { return renders.size() >= count; });
+    }
 
     AssetProcessingFunction RenderFn(const std::shared_ptr<RecordingEncoder>& self) {
         return [self](const kelcore::string::string& path, const kelcore::string::string& jobID,
                       const kelcore::string::string& presetPath) {
             const std::lock_guard lock(self->mutex);
             self->renders.push_back({path, jobID, presetPath});
+            self->asked.notify_all();
         };
     }
     CancelProcessingFunction CancelFn(const std::shared_ptr<RecordingEncoder>& self) {
@@ -62,6 +72,7 @@ public:
 
 private:
     mutable std::mutex mutex;
+    mutable std::condition_variable asked;
     std::vector<Render> renders;
     std::vector<kelcore::string::string> cancels;
 };
