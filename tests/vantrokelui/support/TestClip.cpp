@@ -45,11 +45,19 @@ std::filesystem::path Render() {
     }
     const std::filesystem::path partial =
         clip.parent_path() / (clip.filename().string() + "." + std::to_string(::getpid()) + ".mp4");
-    const int status = Run({"ffmpeg", "-nostdin", "-hide_banner", "-loglevel", "error", "-y",
-                            "-f", "lavfi", "-i", "testsrc=duration=2:size=320x240:rate=25", "-f",
-                            "lavfi", "-i", "sine=frequency=440:duration=2", "-c:v", "libx264",
-                            "-preset", "veryfast", "-pix_fmt", "yuv420p", "-c:a", "aac", "-shortest",
-                            "-movflags", "+faststart", partial.string()});
+    const int status = Run({"ffmpeg",       "-nostdin",
+                            "-hide_banner", "-loglevel",
+                            "error",        "-y",
+                            "-f",           "lavfi",
+                            "-i",           "testsrc=duration=2:size=320x240:rate=25",
+                            "-f",           "lavfi",
+                            "-i",           "sine=frequency=440:duration=2",
+                            "-c:v",         "libx264",
+                            "-preset",      "veryfast",
+                            "-pix_fmt",     "yuv420p",
+                            "-c:a",         "aac",
+                            "-shortest",    "-movflags",
+                            "+faststart",   partial.string()});
     if (status != 0 || !std::filesystem::exists(partial)) {
         std::filesystem::remove(partial);
         throw std::runtime_error("ffmpeg could not render the test clip (status " +
