@@ -2,6 +2,7 @@
 
 #include <boost/json.hpp>
 
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -219,6 +220,34 @@ TEST_F(PipelineFlowTest, NewLinkModeRemovesTheOldValuesFirstAndMakesANewLinkAndS
     const auto oldLink = ApiGet("/v2/review_links/" + first.link).as_object();
     ASSERT_EQ(oldLink.at("items").as_array().size(), 1u);
     EXPECT_EQ(Text(oldLink.at("items").as_array()[0].at("current").at("id")), first.asset);
+}
+
+TEST_F(PipelineFlowTest, ARenderOfSeveralPartsArrivesWholeAndItsProgressEndsAtTheWhole) {
+    StartSignedInWorld();
+    const std::uint64_t size = 20 * 1024 * 1024 + 3;  // three parts, the last one short
+    host->Encoder().RenderBytes(size);
+    std::vector<double> progress;
+    const auto binding = host->Properties().AddEncodingProgressBinding(
+        [&](double fraction) { progress.push_back(fraction); });
+
+    const auto run = host->RunToLink();
+
+    ASSERT_EQ(run.view, ViewID::CopyLinkSection);
+    host->Pump();
+    EXPECT_DOUBLE_EQ(host->Properties().GetEncodingProgress(), 1.0);
+    EXPECT_DOUBLE_EQ(host->Properties().GetUploadingSpeed(), 0.0);
+    EXPECT_EQ(host->Properties().GetEncodingStatus(), EncodingStatus::UploadDone);
+    ASSERT_FALSE(progress.empty());
+    EXPECT_DOUBLE_EQ(progress.back(), 1.0);
+    for (const double fraction : progress) {
+        EXPECT_GE(fraction, 0.0);
+        EXPECT_LE(fraction, 1.0);
+    }
+    const Shared shared = SharedValues();
+    const auto asset = ApiGet("/v2/assets/" + shared.asset).as_object();
+    EXPECT_EQ(asset.at("filesize").as_int64(), static_cast<std::int64_t>(size));
+    EXPECT_EQ(Text(asset.at("parent_id")), shared.stack);
+    EXPECT_EQ(CacheFiles(), std::vector<std::filesystem::path>());
 }
 
 }  // namespace
