@@ -484,22 +484,22 @@ int main(int argc, char** argv) {
         }
         std::printf("\n%llu MiB over loopback, %zu rounds:\n",
                     static_cast<unsigned long long>(flags.sizeMiB), ratios.size());
-        std::printf("  bare TransferManager upload:  mean %.3f s, median %.3f s\n",
-                    Mean(world.baseline), Median(world.baseline));
-        std::printf("  pipeline StartUpload to link: mean %.3f s, median %.3f s\n",
-                    Mean(world.pipeline), Median(world.pipeline));
+        std::printf("  bare TransferManager upload:  mean %.1f ms, median %.1f ms\n",
+                    Mean(world.baseline) * 1e3, Median(world.baseline) * 1e3);
+        std::printf("  pipeline StartUpload to link: mean %.1f ms, median %.1f ms\n",
+                    Mean(world.pipeline) * 1e3, Median(world.pipeline) * 1e3);
         std::printf(
             "  pipeline / baseline: %.3f (means), %.3f (medians), %.3f (median of the rounds' "
             "ratios); goal under 1.05\n",
             Mean(world.pipeline) / Mean(world.baseline),
             Median(world.pipeline) / Median(world.baseline), Median(ratios));
-        std::printf("  rounds, baseline:");
+        std::printf("  rounds, baseline (ms):");
         for (const double seconds : world.baseline) {
-            std::printf(" %.3f", seconds);
+            std::printf(" %.1f", seconds * 1e3);
         }
-        std::printf("\n  rounds, pipeline:");
+        std::printf("\n  rounds, pipeline (ms):");
         for (const double seconds : world.pipeline) {
-            std::printf(" %.3f", seconds);
+            std::printf(" %.1f", seconds * 1e3);
         }
         std::printf("\n");
     }
