@@ -21,6 +21,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -59,6 +60,14 @@ class ShareManager {
 public:
     /// The application state at which the singleton is destroyed for good.
     static constexpr int kDestroyAppState = 9;
+
+    /// Why a share ended early; chooses the failure toast's text.
+    enum class ShareFailedReason : std::int32_t {
+        Encoding = 0,    ///< the encoder reported EncodingStatus::EncodingFailed
+        Upload = 1,      ///< the transfer failed
+        ReviewLink = 2,  ///< the service refused a new review link
+        Sharing = 3,     ///< the uploaded asset could not be added to the link
+    };
 
     /// The process's manager, made on the first call. Throws kelcore's null pointer exception
     /// (naming ShareManager) once the application has reached kDestroyAppState. Any thread;
@@ -143,6 +152,134 @@ public:
     bool GetEncoderPresetFromSequence(const ProcessingGuids& processingGuids,
                                       EncoderPresetAttributes& preset) const;
 
+    // --- submission -------------------------------------------------------------------------
+
+    /// Starts a share of the active sequence from what the sequence stores: folder, version
+    /// stack, link and preset. In new-link mode the stored upload, stack and link are removed
+    /// first and the panel's folder choice written anew. Stops without a word when no folder is
+    /// stored, or when a link must be made and no cloud project is stored. With a usable stored
+    /// link the job is made at once; otherwise a review link named after the sequence is asked
+    /// for, and the job is made when it arrives (a refusal shows screen 0 and a toast with Try
+    /// again). Any thread.
+    void ProcessAssetForReview();
+
+    /// Makes the job and hands it to the host: registers the quit guard (once per process),
+    /// names the output file in the user cache directory, deletes whatever stands there, files
+    /// the job as the active one with status Queued, calls the host's render function, and
+    /// puts the panel on the queued screen with status 1 and zero progress, time and speed.
+    /// Any thread.
+    void ProcessAssetForReview_Internal(const ProcessingGuids& processingGuids,
+                                        const ReviewAttributes& reviewAttributes,
+                                        const EncoderPresetAttributes& preset);
+
+    /// The active sequence's name, made safe for a file name with hyphens, a dot and
+    /// `fileExtension` as it stands; "TestProject.mp4" when the panel has gone. Any thread.
+    kelcore::string::string GetOutputFileName(const kelcore::string::string& fileExtension) const;
+    /// GetOutputFileName's file in the user cache directory, as a full path. Any thread.
+    kelcore::string::string GetOutputFileFullPath(
+        const kelcore::string::string& fileExtension) const;
+
+    // --- progress and estimates ------------------------------------------------------------
+
+    /// Stores the host's status in the job; EncodingStatus::EncodingFailed fails the share.
+    /// Sets no property. An unknown id does nothing. Any thread.
+    void SetShareJobEncodingStatusForJob(EncodingStatus status,
+                                         const kelcore::string::string& jobID);
+    /// Stores the encoder's fraction done in the job only. An unknown id does nothing. Any
+    /// thread.
+    void SetShareJobEncodingProgressForJob(double fraction, const kelcore::string::string& jobID);
+    /// The encoding estimator: adds the sample elapsed / fraction to the job's history and, once
+    /// the window of the last 8 samples is full, publishes their mean less `elapsed` plus 0.5 s
+    /// (never below 0) to the remaining-time property, for any job. `fraction` must be above 0.
+    /// Any thread.
+    void SetEncodingRemainingTimeForJob(const kelcore::string::string& jobID, double elapsed,
+                                        double fraction);
+    /// The upload estimator: adds the sample and, from the second one on, stores the mean of the
+    /// whole history less `elapsed` plus 0.5 s (never below 0) in the job, and publishes it when
+    /// the job is the active one. `fraction` must be above 0. Any thread.
+    void SetUploadingRemainingTimeForJob(const kelcore::string::string& jobID, double elapsed,
+                                         double fraction);
+    /// The mean speed since the job's start, in megabits per second: stored in the job and
+    /// published when the job is the active one. `fraction` is not used. Any thread.
+    void SetUploadingSpeedForJob(const kelcore::string::string& jobID, double elapsed,
+                                 double fraction, double bytes);
+    /// Seconds since the job's start time; the first call sets that time and answers 0. 0 for
+    /// an unknown id. Any thread.
+    double GetElapsedTime(const kelcore::string::string& jobID);
+    /// Empties the job's total-time history. Any thread.
+    void ClearTotalTimeListForJob(const kelcore::string::string& jobID);
+
+    // --- upload and finalisation -----------------------------------------------------------
+
+    /// Sends the job's finished file to the folder stored with its sequence, as a version of the
+    /// job's version stack (made now when it has none), and keeps the transfer's id in the job.
+    /// The end of the transfer stores the result with the sequence and finalises the share, or
+    /// fails it. An unknown id does nothing. Any thread (the host's).
+    void StartUpload(const kelcore::string::string& jobID);
+    /// After a successful upload: adds the asset to the link when the job needs it (a refusal
+    /// removes the stored link and stack and fails the share), then deletes the temporary
+    /// file, clears the sequence's modified mark, shows the copy-link screen for the active
+    /// sequence and drops a job whose status is UploadDone. Any thread.
+    void FinalizeUpload(const kelcore::string::string& jobID);
+    /// What StartUpload's progress callback runs for `job` (held by the callback, so it works
+    /// after the job has left the map): stores the fraction sent/total in the job, publishes it
+    /// for the active job and, once time has passed and something was sent, feeds the speed and
+    /// the upload estimator. Any thread (the cloud library's).
+    void HandleUploadProgress(const std::shared_ptr<ShareJob>& job,
+                              const kelcore::string::string& jobID, std::uint64_t sent,
+                              std::uint64_t total);
+    /// What StartUpload's finished callback runs. Success: the usage event, the upload's result
+    /// stored with the sequence (asset, link, link URL, version stack), status UploadDone, then
+    /// FinalizeUpload. Failure: the usage event, ShareFailed, status UploadFailed and screen 4.
+    /// Cancelled: the usage event, status UploadCancelled and screen 4, no toast. Any thread
+    /// (the cloud library's).
+    void HandleUploadFinished(const std::shared_ptr<ShareJob>& job,
+                              const kelcore::string::string& jobID,
+                              const ProcessingGuids& processingGuids, bool ok, bool cancelled,
+                              const kelcore::utility::Guid& asset);
+    /// Stores `asset` as the sequence's uploaded asset. Any thread.
+    void SetUploadedAssetID(const kelcore::utility::Guid& project,
+                            const kelcore::utility::Guid& sequence,
+                            const kelcore::utility::Guid& asset);
+    /// Marks the job's sequence as not modified since its share: through the panel when it is
+    /// the active sequence, otherwise directly in the sequence. Any thread.
+    void UpdateDirtyFlag(const std::shared_ptr<ShareJob>& job);
+
+    // --- cancellation and failure ----------------------------------------------------------
+
+    /// The user's Cancel, for the active job, by its status: a queued job waits in the cancel
+    /// queue as CancelRequested; a rendering one is taken from the encoder and dropped; an
+    /// uploading one is cancelled at the transfer manager and dropped (or marked UploadFailed
+    /// when the cancel is refused). Whenever there is an active job the link text is emptied.
+    /// Without one nothing happens. Sets no screen. Main thread.
+    void CancelActiveProcessingJob();
+    /// The ids of jobs cancelled while queued, oldest first (a copy). Any thread.
+    std::vector<kelcore::string::string> GetCancelJobQueue() const;
+    /// Removes the queue's entry at `index`; later entries move down one place. An index past
+    /// the end leaves the queue as it is. Any thread.
+    void RemoveJobInCancelJobQueueAt(std::size_t index);
+    /// Has the host cancel the render of `jobID`, then cleans the job up. Any thread.
+    void RemoveCanceledJobInSarvex(const kelcore::string::string& jobID);
+    /// Cleans up `jobID` if it exists, for a host that cancelled the render itself. Any thread.
+    void GetAndCleanupCanceledJobInSarvex(const kelcore::string::string& jobID);
+    /// Deletes `outputFilePath`, drops `jobID` and forgets the active job, whichever job that
+    /// was. Any thread.
+    void CleanupCanceledJobInSarvex(const kelcore::string::string& jobID,
+                                    const kelcore::string::string& outputFilePath);
+    /// Deletes the file at `path` if something stands there; a file that cannot be deleted is
+    /// ignored. Any thread.
+    void DeleteTempFile(const kelcore::string::string& path);
+    /// A share that failed: screen 0, its temporary file deleted, the job dropped (and no
+    /// longer active), and the failure toast without Try again. An unknown id does nothing.
+    /// Any thread.
+    void ShareFailed(const kelcore::string::string& jobID, ShareFailedReason reason);
+    /// Builds the failure text for `reason` around the file name of `path` (cut to 26 bytes and
+    /// "..." when longer) and posts the toast to the main thread; returns at once. With
+    /// `showTryAgain` the toast's button starts a new share of the then active sequence. Any
+    /// thread.
+    void ShowFailureToast(kelcore::string::string path, ShareFailedReason reason,
+                          bool showTryAgain);
+
 private:
     struct JobEntry {
         kelcore::string::string jobID;
@@ -166,6 +303,22 @@ private:
         const std::lock_guard lock(mutex);
         return (this->*field).lock();
     }
+
+    // What the cloud library's callbacks hold instead of the manager: it tells them whether the
+    // manager still lives, and makes the destructor wait for the callbacks running in it.
+    struct Life;
+    // Runs `fn(manager)` while the manager of `life` lives, else nothing.
+    template <class Fn>
+    static void WithManager(const std::shared_ptr<Life>& life, Fn&& fn);
+
+    // The job filed under `jobID` leaves the map; the caller releases it after the lock.
+    std::shared_ptr<ShareJob> EraseJob(const kelcore::string::string& jobID);
+    bool IsActiveJob(const kelcore::string::string& jobID) const;
+    // The share's last steps, once the asset is where it belongs (FinalizeUpload).
+    void FinishShare(const std::shared_ptr<ShareJob>& job, const kelcore::string::string& jobID,
+                     const kelcore::string::string& outputFilePath);
+
+    std::shared_ptr<Life> life;
 
     // Guards every field below; never held while an injected function or a property runs.
     mutable std::mutex mutex;

@@ -71,4 +71,55 @@ bool HasActiveShareJobs() {
     return ShareManager::GetInstance().HasActiveShareJobs();
 }
 
+void ProcessAssetForReview() {
+    ShareManager::GetInstance().ProcessAssetForReview();
+}
+
+void StartUpload(const kelcore::string::string& jobID) {
+    ShareManager::GetInstance().StartUpload(jobID);
+}
+
+void SetShareJobEncodingStatusForJob(EncodingStatus status, const kelcore::string::string& jobID) {
+    ShareManager::GetInstance().SetShareJobEncodingStatusForJob(status, jobID);
+}
+
+void SetShareJobEncodingProgressForJob(double fraction, const kelcore::string::string& jobID) {
+    ShareManager::GetInstance().SetShareJobEncodingProgressForJob(fraction, jobID);
+}
+
+void SetEncodingRemainingTimeForJob(const kelcore::string::string& jobID, double fraction) {
+    ShareManager& manager = ShareManager::GetInstance();
+    const double elapsed = manager.GetElapsedTime(jobID);
+    // No sample before the clock has moved or the encoder has done anything: the estimate
+    // divides by both.
+    if (!(elapsed > 1e-6) || !(fraction > 0.0)) {
+        return;
+    }
+    manager.SetEncodingRemainingTimeForJob(jobID, elapsed, fraction);
+}
+
+void ClearTotalTimeListForJob(const kelcore::string::string& jobID) {
+    ShareManager::GetInstance().ClearTotalTimeListForJob(jobID);
+}
+
+std::vector<kelcore::string::string> GetCancelJobQueue() {
+    return ShareManager::GetInstance().GetCancelJobQueue();
+}
+
+void RemoveJobInCancelJobQueueAt(std::size_t index) {
+    ShareManager::GetInstance().RemoveJobInCancelJobQueueAt(index);
+}
+
+void RemoveCanceledJobInSarvex(const kelcore::string::string& jobID) {
+    ShareManager::GetInstance().RemoveCanceledJobInSarvex(jobID);
+}
+
+void GetAndCleanupCanceledJobInSarvex(const kelcore::string::string& jobID) {
+    ShareManager::GetInstance().GetAndCleanupCanceledJobInSarvex(jobID);
+}
+
+void CancelActiveProcessingJob() {
+    ShareManager::GetInstance().CancelActiveProcessingJob();
+}
+
 }  // namespace vantrokelui::model

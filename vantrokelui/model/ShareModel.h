@@ -8,6 +8,7 @@
 //   if (model::GetShareJobEncodingStatus() == EncodingStatus::Uploading) ...
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -79,5 +80,40 @@ bool GetEncoderPresetFromSequence(const ProcessingGuids& processingGuids,
 
 /// ShareManager::HasActiveShareJobs: true while any job exists; asked when the user quits.
 bool HasActiveShareJobs();
+
+/// ShareManager::ProcessAssetForReview: starts a share of the active sequence.
+void ProcessAssetForReview();
+
+/// ShareManager::StartUpload: the host's file for `jobID` is complete.
+void StartUpload(const kelcore::string::string& jobID);
+
+/// ShareManager::SetShareJobEncodingStatusForJob: the host's status report.
+void SetShareJobEncodingStatusForJob(EncodingStatus status, const kelcore::string::string& jobID);
+
+/// ShareManager::SetShareJobEncodingProgressForJob: the host's progress report.
+void SetShareJobEncodingProgressForJob(double fraction, const kelcore::string::string& jobID);
+
+/// The encoder's time-left report: measures the time elapsed since the job's start and, when
+/// both that and `fraction` are above zero, feeds ShareManager::SetEncodingRemainingTimeForJob.
+/// The first report of a job only starts its clock.
+void SetEncodingRemainingTimeForJob(const kelcore::string::string& jobID, double fraction);
+
+/// ShareManager::ClearTotalTimeListForJob.
+void ClearTotalTimeListForJob(const kelcore::string::string& jobID);
+
+/// ShareManager::GetCancelJobQueue.
+std::vector<kelcore::string::string> GetCancelJobQueue();
+
+/// ShareManager::RemoveJobInCancelJobQueueAt.
+void RemoveJobInCancelJobQueueAt(std::size_t index);
+
+/// ShareManager::RemoveCanceledJobInSarvex.
+void RemoveCanceledJobInSarvex(const kelcore::string::string& jobID);
+
+/// ShareManager::GetAndCleanupCanceledJobInSarvex.
+void GetAndCleanupCanceledJobInSarvex(const kelcore::string::string& jobID);
+
+/// ShareManager::CancelActiveProcessingJob: the panel's Cancel. Main thread.
+void CancelActiveProcessingJob();
 
 }  // namespace vantrokelui::model

@@ -43,6 +43,18 @@ public:
         const auto found = values.find({guids.projectGuid, guids.sequenceGuid, string(key)});
         return found == values.end() ? std::nullopt : std::optional<string>(found->second);
     }
+    /// Every value stored with one sequence, by key.
+    std::map<string, string> ValuesOf(const ProcessingGuids& guids) const {
+        const std::lock_guard lock(mutex);
+        std::map<string, string> found;
+        for (const auto& [where, value] : values) {
+            if (std::get<0>(where) == guids.projectGuid &&
+                std::get<1>(where) == guids.sequenceGuid) {
+                found.emplace(std::get<2>(where), value);
+            }
+        }
+        return found;
+    }
     std::size_t ValueCount() const {
         const std::lock_guard lock(mutex);
         return values.size();

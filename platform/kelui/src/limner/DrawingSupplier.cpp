@@ -1,0 +1,7 @@
+#include <kelui/limner/DrawingSupplier.h>
+
+namespace limner {
+
+DrawingSupplier::~DrawingSupplier() = default;
+
+}  // namespace limner

@@ -1,0 +1,7 @@
+#include <kelworkspace/workspace/TopLevelWindow.h>
+
+namespace kelworkspace::workspace {
+
+TopLevelWindow::~TopLevelWindow() = default;
+
+}  // namespace kelworkspace::workspace
