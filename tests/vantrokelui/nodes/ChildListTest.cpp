@@ -37,6 +37,12 @@ TEST_F(ChildListTest, ClipTwoSortsBeforeClipTen) {
     auto clip2 = MakeNode<VantroFolder>(folder, u"Clip 2");
     folder->SetFolders(List({clip10, clip2}));
     EXPECT_EQ(Names(folder->GetFolders()), (std::vector<string>{u"Clip 2", u"clip 10"}));
+
+    // The other way round in case: neither code-unit order nor a letters-only fold gives this.
+    auto upper10 = MakeNode<VantroFolder>(folder, u"Clip 10");
+    auto lower2 = MakeNode<VantroFolder>(folder, u"clip 2");
+    folder->SetFolders(List({upper10, lower2}));
+    EXPECT_EQ(Names(folder->GetFolders()), (std::vector<string>{u"clip 2", u"Clip 10"}));
 }
 
 TEST_F(ChildListTest, NamesSortNaturallyAndWithoutRegardToCaseInEveryList) {
