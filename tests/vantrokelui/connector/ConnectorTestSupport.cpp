@@ -279,6 +279,40 @@ kelcore::async::Future<vantrocommon::http::Reply> FakeServiceTransport::Send(
     return future;
 }
 
+// RecordingTransport
+
+kelcore::async::Future<vantrocommon::http::Reply> RecordingTransport::Send(
+    vantrocommon::http::Request request, vantrocommon::http::CancellationToken cancel) {
+    const std::size_t pathStart = request.url.find("/v2/");
+    std::size_t index = 0;
+    {
+        const std::lock_guard lock(log->mutex);
+        index = log->exchanges.size();
+        log->exchanges.push_back(
+            Exchange{pathStart == std::string::npos ? request.url : request.url.substr(pathStart),
+                     kelcore::threads::Now(), std::nullopt, 0});
+    }
+    auto answer = inner->Send(std::move(request), std::move(cancel));
+    // Recorded inline where the inner transport completes, before any continuation of the
+    // caller's runs on the future that is returned.
+    return answer.Then(
+        [log = log, index](const kelcore::async::Future<vantrocommon::http::Reply>& reply) {
+            {
+                const std::lock_guard lock(log->mutex);
+                log->exchanges[index].answered = kelcore::threads::Now();
+                if (kelcore::async::ResultOf(reply) == 0) {
+                    log->exchanges[index].status = reply.Get().status;
+                }
+            }
+            return reply.Get();
+        });
+}
+
+std::vector<RecordingTransport::Exchange> RecordingTransport::Exchanges() const {
+    const std::lock_guard lock(log->mutex);
+    return log->exchanges;
+}
+
 std::shared_ptr<vantrosdk::VantroClient> ConnectFakeClient(
     std::shared_ptr<FakeService> service,
     std::shared_ptr<kelcore::threads::AsyncExecutor> executor) {

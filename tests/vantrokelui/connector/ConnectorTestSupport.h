@@ -131,6 +131,36 @@ private:
     std::shared_ptr<FakeService> service;
 };
 
+/// A transport that sends through another (the real one) and records each exchange: the path,
+/// when it was sent and answered on kelcore's clock, and the status (0 for a failed exchange).
+/// The client-side count of requests, for a service that offers no count of its own. Any
+/// thread.
+class RecordingTransport : public vantrocommon::http::Transport {
+public:
+    struct Exchange {
+        std::string path;  ///< The URL from "/v2/" on, query included.
+        kelcore::threads::Clock::TimePoint sent;
+        std::optional<kelcore::threads::Clock::TimePoint> answered;
+        int status = 0;
+    };
+
+    explicit RecordingTransport(std::shared_ptr<vantrocommon::http::Transport> inner)
+        : inner(std::move(inner)) {}
+
+    kelcore::async::Future<vantrocommon::http::Reply> Send(
+        vantrocommon::http::Request request, vantrocommon::http::CancellationToken cancel) override;
+
+    std::vector<Exchange> Exchanges() const;
+
+private:
+    struct Log {
+        mutable std::mutex mutex;
+        std::vector<Exchange> exchanges;
+    };
+    std::shared_ptr<vantrocommon::http::Transport> inner;
+    std::shared_ptr<Log> log = std::make_shared<Log>();
+};
+
 /// Makes the process's SDK client over `service` with every future completing on `executor`
 /// (one try per request, no retries), gives it a token and hands it to the connector
 /// (SetClient). Undo with DisconnectClient.
