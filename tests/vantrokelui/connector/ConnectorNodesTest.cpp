@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -515,6 +516,10 @@ struct StorageCase {
     std::optional<std::uint64_t> limit;
     bool overLimit;
 };
+
+void PrintTo(const StorageCase& value, std::ostream* out) {
+    *out << value.name;
+}
 
 class StorageLimitTest : public ConnectorNodesTest,
                          public ::testing::WithParamInterface<StorageCase> {};

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -206,6 +207,10 @@ struct UnchangedLimitsCase {
     HeaderMap headers;
 };
 
+void PrintTo(const UnchangedLimitsCase& value, std::ostream* out) {
+    *out << value.name;
+}
+
 class UnchangedLimitsTest : public FetchChildrenQueueTest,
                             public ::testing::WithParamInterface<UnchangedLimitsCase> {};
 
@@ -293,6 +298,10 @@ struct ListingEndCase {
     const char* name;
     HeaderMap headers;
 };
+
+void PrintTo(const ListingEndCase& value, std::ostream* out) {
+    *out << value.name;
+}
 
 class ListingEndTest : public FetchChildrenQueueTest,
                        public ::testing::WithParamInterface<ListingEndCase> {};
