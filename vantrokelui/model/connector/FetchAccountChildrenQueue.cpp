@@ -65,10 +65,13 @@ void FetchAccountChildrenQueue::FetchSharedProjects(const std::shared_ptr<Vantro
         // A failed exchange throws here and adds nothing.
         const std::vector<vantrosdk::Project> projects =
             completed.Get()->GetSharedProjectListObject();
+        const auto account = std::dynamic_pointer_cast<VantroAccount>(node);
+        if (!account) {
+            return;  // only accounts are listed by this queue
+        }
         auto workspace = std::make_shared<VantroWorkspace>(std::weak_ptr<VantroNode>(node));
         workspace->SetName(
             kelcore::config::Localizer::Get().GetString(kSharedProjectsWorkspaceName));
-        const auto account = std::dynamic_pointer_cast<VantroAccount>(node);
         account->SetWorkspaces(utility::SharedPtrVector<VantroWorkspace>{workspace});
         utility::SharedPtrVector<VantroProject> nodes;
         for (const vantrosdk::Project& project : projects) {
