@@ -13,9 +13,7 @@
 // run.
 //
 //   build/e2e-release/bin/ShareUploadBench [--size-mib N] [--rounds N] [benchmark flags]
-#include <fcntl.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -55,42 +53,19 @@
 #include <vantrosdk/VantroConfig.h>
 
 #include "http/Server.h"
+#include "server/BenchTools.h"
 #include "server/BenchWorld.h"
 
 namespace {
 
 namespace model = vantrokelui::model;
-using Clock = std::chrono::steady_clock;
+using vantroserver::bench::Clock;
 using kelcore::string::StdToUTF16String;
 using kelcore::string::string;
 using kelcore::utility::Guid;
 
-constexpr std::uint64_t kMiB = 1024 * 1024;
+using vantroserver::bench::kMiB;
 constexpr auto kWaitLimit = std::chrono::minutes(5);
-
-// Random bytes (xorshift): nothing on the way can compress or skip them.
-bool WriteSource(const std::filesystem::path& path, std::uint64_t size) {
-    const int out = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (out < 0) {
-        return false;
-    }
-    std::vector<std::uint64_t> block(kMiB / sizeof(std::uint64_t));
-    std::uint64_t state = 0x9e3779b97f4a7c15ULL;
-    for (std::uint64_t written = 0; written < size; written += kMiB) {
-        for (auto& word : block) {
-            state ^= state << 13;
-            state ^= state >> 7;
-            state ^= state << 17;
-            word = state;
-        }
-        const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kMiB, size - written));
-        if (::write(out, block.data(), count) != static_cast<ssize_t>(count)) {
-            ::close(out);
-            return false;
-        }
-    }
-    return ::close(out) == 0;
-}
 
 // The panel's eleven properties, as the view model owns them. The screen's setter notes the
 // moment the pipeline shows the link, on whichever thread it runs.
@@ -416,7 +391,7 @@ int main(int argc, char** argv) {
     world.source = bench.root / "source.mp4";
     world.folder = bench.project.rootAssetId;
     world.project = bench.project.id;
-    if (!WriteSource(world.source, world.size)) {
+    if (!vantroserver::bench::WriteRandomFile(world.source, world.size)) {
         std::fprintf(stderr, "cannot write the source file\n");
         return 1;
     }
