@@ -16,45 +16,18 @@
 #include <vector>
 
 #include <kelcore/string/String.h>
-#include <kelcore/utility/EnableSharedAs.h>
 #include <vantrokelui/model/EncoderPresetModel.h>
 #include <vantrokelui/model/ShareManager.h>
 
+#include "vantrokelui/support/PanelProperties.h"
+
 namespace vantrokelui::model::testing {
 
-class RecordingPanel final : public ActiveAssetNameNotifyingProperty,
-                             public ReviewLinkURLNotifyingProperty,
-                             public CurrentViewIDNotifyingProperty,
-                             public EncodingStatusNotifyingProperty,
-                             public EncodingProgressNotifyingProperty,
-                             public ProcessingRemainingTimeNotifyingProperty,
-                             public UploadingSpeedNotifyingProperty,
-                             public EncoderPresetsNotifyingProperty,
-                             public SelectedEncoderPresetNotifyingProperty,
-                             public ActiveAssetDirtyNotifyingProperty,
-                             public CreateNewLinkModeNotifyingProperty,
-                             public virtual kelcore::utility::EnableSharedAs {
+class RecordingPanel final : public PanelProperties {
 public:
     using string = kelcore::string::string;
 
     static std::shared_ptr<RecordingPanel> Create() { return std::make_shared<RecordingPanel>(); }
-
-    /// Hands `manager` weak pointers to all eleven faces and `writeFolderSettings`.
-    static void Install(ShareManager& manager, const std::shared_ptr<RecordingPanel>& owner,
-                        std::function<void()> writeFolderSettings = {}) {
-        manager.SetNotifyingProperties(
-            std::move(writeFolderSettings), std::weak_ptr<ActiveAssetNameNotifyingProperty>(owner),
-            std::weak_ptr<ActiveAssetDirtyNotifyingProperty>(owner),
-            std::weak_ptr<ReviewLinkURLNotifyingProperty>(owner),
-            std::weak_ptr<CurrentViewIDNotifyingProperty>(owner),
-            std::weak_ptr<EncodingStatusNotifyingProperty>(owner),
-            std::weak_ptr<EncodingProgressNotifyingProperty>(owner),
-            std::weak_ptr<ProcessingRemainingTimeNotifyingProperty>(owner),
-            std::weak_ptr<UploadingSpeedNotifyingProperty>(owner),
-            std::weak_ptr<EncoderPresetsNotifyingProperty>(owner),
-            std::weak_ptr<SelectedEncoderPresetNotifyingProperty>(owner),
-            std::weak_ptr<CreateNewLinkModeNotifyingProperty>(owner));
-    }
 
     /// Every setter call so far, oldest first.
     std::vector<std::string> Writes() const {

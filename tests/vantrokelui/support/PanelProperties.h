@@ -11,7 +11,7 @@
 
 namespace vantrokelui::model::testing {
 
-class PanelProperties final : public ActiveAssetNameNotifyingProperty,
+class PanelProperties : public ActiveAssetNameNotifyingProperty,
                               public ReviewLinkURLNotifyingProperty,
                               public CurrentViewIDNotifyingProperty,
                               public EncodingStatusNotifyingProperty,
