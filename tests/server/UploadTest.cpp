@@ -538,20 +538,20 @@ TEST_F(UploadTest, ASecondSenderOfAPartBeingWrittenGets409) {
                              "\r\nContent-Length: " + std::to_string(part.size) + "\r\n\r\n" +
                              FileBytes(file, 0, 1000);
     ASSERT_EQ(::send(socket, head.data(), head.size(), 0), static_cast<ssize_t>(head.size()));
-    // The server marks the part when it reads that header; ask until the mark is seen.
-    std::vector<long> seen;
-    for (int attempt = 0; attempt < 200; ++attempt) {
-        HttpClient fresh;
-        auto headers = Bearer(annToken);
-        headers.emplace_back("X-Content-SHA256", part.sha256);
-        const auto reply = fresh.Send("PUT", part.url, FileBytes(file, 0, part.size), headers);
-        seen.push_back(reply.status);
-        if (reply.status == 409) {
-            EXPECT_EQ(reply.Json().at("error").as_string(), "part_in_progress");
-            break;
-        }
+    // The server marks the part when it reads that header. Wait for the mark through the
+    // completion, which refuses while any part is being sent and takes no mark itself: a second
+    // PUT used as the probe could take the mark first and turn the first sender away instead.
+    bool marked = false;
+    for (int attempt = 0; attempt < 2000 && !marked; ++attempt) {
+        const auto probe = Complete(upload, part.sha256);
+        marked = probe.status == 409 && probe.Json().at("error").as_string() == "part_in_progress";
     }
-    EXPECT_EQ(seen.back(), 409);
+    ASSERT_TRUE(marked) << "the first sender's part was never seen in progress";
+    auto headers = Bearer(annToken);
+    headers.emplace_back("X-Content-SHA256", part.sha256);
+    const auto reply = HttpClient().Send("PUT", part.url, FileBytes(file, 0, part.size), headers);
+    EXPECT_EQ(reply.status, 409) << reply.body;
+    EXPECT_EQ(reply.Json().at("error").as_string(), "part_in_progress");
     ::close(socket);
 }
 
