@@ -33,6 +33,8 @@
 #include <vantrokelui/nodes/VantroNode.h>
 #include <vantrokelui/utility/NotifyingProperty.h>
 
+#include "vantrokelui/ScopedMainThreadQueue.h"
+
 namespace {
 
 using vantrokelui::VantroFolder;
@@ -42,26 +44,7 @@ using Clock = std::chrono::steady_clock;
 using kelcore::string::string;
 using kelcore::string::string_view;
 
-// Installs a plain main-thread queue for the benchmark's lifetime, so queued deliveries can be
-// drained between iterations, and takes it out again.
-class ScopedMainThreadQueue {
-public:
-    ScopedMainThreadQueue() : queue(std::make_shared<kelcore::threads::MainThreadQueue>()) {
-        kelcore::threads::SetMainThread();
-        kelcore::threads::SetMainThreadDispatcher(queue);
-    }
-    ~ScopedMainThreadQueue() {
-        queue->RunUntilEmpty();
-        kelcore::threads::SetMainThreadDispatcher(nullptr);
-    }
-    ScopedMainThreadQueue(const ScopedMainThreadQueue&) = delete;
-    ScopedMainThreadQueue& operator=(const ScopedMainThreadQueue&) = delete;
-
-    void Pump() { queue->RunUntilEmpty(); }
-
-private:
-    std::shared_ptr<kelcore::threads::MainThreadQueue> queue;
-};
+using vantrokeluibench::ScopedMainThreadQueue;
 
 string Utf16(const std::string& ascii) {
     return string(ascii.begin(), ascii.end());

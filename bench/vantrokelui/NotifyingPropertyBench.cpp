@@ -23,6 +23,8 @@
 #include <vantrokelui/utility/DataBinding.h>
 #include <vantrokelui/utility/NotifyingProperty.h>
 
+#include "vantrokelui/ScopedMainThreadQueue.h"
+
 namespace {
 thread_local std::size_t sAllocationsOnThisThread = 0;
 }  // namespace
@@ -82,26 +84,7 @@ private:
     std::vector<std::function<void(double)>> functions;
 };
 
-// Installs a plain main-thread queue for the benchmark's lifetime and takes it out again.
-class ScopedMainThreadQueue {
-public:
-    ScopedMainThreadQueue() : queue(std::make_shared<kelcore::threads::MainThreadQueue>()) {
-        kelcore::threads::SetMainThread();
-        kelcore::threads::SetMainThreadDispatcher(queue);
-    }
-    ~ScopedMainThreadQueue() {
-        queue->RunUntilEmpty();
-        kelcore::threads::SetMainThreadDispatcher(nullptr);
-    }
-    ScopedMainThreadQueue(const ScopedMainThreadQueue&) = delete;
-    ScopedMainThreadQueue& operator=(const ScopedMainThreadQueue&) = delete;
-
-    /// Runs every queued delivery.
-    void Pump() { queue->RunUntilEmpty(); }
-
-private:
-    std::shared_ptr<kelcore::threads::MainThreadQueue> queue;
-};
+using vantrokeluibench::ScopedMainThreadQueue;
 
 std::vector<std::shared_ptr<vantrokelui::utility::DataBinding>> Observe(DoubleProperty& property,
                                                                         std::int64_t observers,

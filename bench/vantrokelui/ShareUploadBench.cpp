@@ -59,10 +59,10 @@
 namespace {
 
 namespace model = vantrokelui::model;
-using vantroserver::bench::Clock;
 using kelcore::string::StdToUTF16String;
 using kelcore::string::string;
 using kelcore::utility::Guid;
+using vantroserver::bench::Clock;
 
 using vantroserver::bench::kMiB;
 constexpr auto kWaitLimit = std::chrono::minutes(5);
