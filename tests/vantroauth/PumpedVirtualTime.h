@@ -40,6 +40,12 @@ public:
         return time.AdvanceBy(duration);
     }
     std::size_t RunUntilIdle() { return time.RunUntilIdle(); }
+    /// Moves virtual time to the earliest waiting task and runs what is then due; does nothing
+    /// when no task waits. A fixed step could fall short of a timer posted late in the step.
+    std::size_t AdvanceToNextTask() {
+        const auto wait = time.GetExecutor()->TimeToNextTask();
+        return wait == std::chrono::steady_clock::duration::max() ? 0 : time.AdvanceBy(wait);
+    }
 
     /// Runs due tasks, waiting for posts from other threads, until `done` holds; false when it
     /// still does not after `timeout` of wall-clock time (a failing test's bound only).

@@ -15,6 +15,7 @@
 #include <vantrocommon/ResultCodes.h>
 
 #include "PumpedVirtualTime.h"
+#include "support/ClosedPort.h"
 #include "support/SignInServiceFixture.h"
 
 namespace vantroauthtest {
@@ -135,12 +136,14 @@ TEST_F(RefreshTest, AnUnreachableServiceFailsTheRefreshAfterRetriesAndKeepsTheTo
     PumpedVirtualTime time;
     SignInFromTheCommandLine();
     const std::string refresh = StoredRefreshToken();
+    const auto port = server.Port();
     ASSERT_EQ(server.Stop(), 0);
+    const testsupport::ClosedPort closed(port);  // refuses, and no other server can take it
 
     const auto token = jwt::GetAccessToken(true);
-    // The retries wait on the executor's clock: virtual minutes pass at once.
+    // The retries wait on the executor's clock: each wait passes at once.
     ASSERT_TRUE(time.PumpUntil([&] {
-        time.AdvanceBy(std::chrono::seconds(1));
+        time.AdvanceToNextTask();
         return token.IsReady();
     }));
 

@@ -1,11 +1,7 @@
 // CurlTransport against the real server on loopback: replies and their headers, connection
 // reuse, parallel exchanges, streamed file bodies, injected faults, cancellation, where futures
 // complete, and TLS with a throwaway authority.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <boost/json/parse.hpp>
@@ -25,6 +21,7 @@
 #include "NodeHttp2Server.h"
 #include "QueueExecutor.h"
 #include "TestCertificates.h"
+#include "support/ClosedPort.h"
 #include "support/PartUploader.h"
 #include "support/TemporaryDirectory.h"
 #include "support/VantroServerFixture.h"
@@ -309,18 +306,9 @@ TEST_F(CurlTransportTest, ARequestWithACancelledTokenIsNeverSent) {
 }
 
 TEST_F(CurlTransportTest, ARefusedConnectionIsANetworkFailure) {
-    // A bound socket that does not listen refuses connections, and keeps the port ours.
-    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    ASSERT_GE(socket, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ASSERT_EQ(::bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
-    socklen_t length = sizeof(address);
-    ASSERT_EQ(::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    const testsupport::ClosedPort closed;
     const auto answer =
-        Send({.url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/v2/me"});
-    ::close(socket);
+        Send({.url = "http://127.0.0.1:" + std::to_string(closed.Port()) + "/v2/me"});
     EXPECT_EQ(ResultOf(answer), vantrocommon::kResultNetworkFailure) << FailureText(answer);
 }
 
