@@ -3,54 +3,18 @@
 #include <utility>
 
 #include "support/HttpClient.h"
+#include "support/QueryText.h"
 
 namespace testsupport {
 
 namespace {
-
-std::string PercentDecode(const std::string& text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size()) {
-            out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
-            i += 2;
-        } else if (text[i] == '+') {
-            out += ' ';
-        } else {
-            out += text[i];
-        }
-    }
-    return out;
-}
-
-std::vector<std::pair<std::string, std::string>> QueryOf(const std::string& url) {
-    std::vector<std::pair<std::string, std::string>> params;
-    const auto question = url.find('?');
-    if (question == std::string::npos) {
-        return params;
-    }
-    const std::string query = url.substr(question + 1, url.find('#') - question - 1);
-    std::size_t start = 0;
-    while (start < query.size()) {
-        const auto end = std::min(query.find('&', start), query.size());
-        const std::string pair = query.substr(start, end - start);
-        const auto equals = pair.find('=');
-        if (!pair.empty()) {
-            params.emplace_back(
-                PercentDecode(pair.substr(0, equals)),
-                equals == std::string::npos ? "" : PercentDecode(pair.substr(equals + 1)));
-        }
-        start = end + 1;
-    }
-    return params;
-}
 
 // The URL with the value of `name` in its query replaced by `value`.
 std::string WithQueryValue(const std::string& url, const std::string& name,
                            const std::string& value) {
     std::string out = url.substr(0, url.find('?')) + "?";
     bool first = true;
-    for (const auto& [key, old] : QueryOf(url)) {
+    for (const auto& [key, old] : QueryPairs(url)) {
         out += (first ? "" : "&") + HttpClient::Escape(key) + "=" +
                HttpClient::Escape(key == name ? value : old);
         first = false;
@@ -101,7 +65,7 @@ struct TestBrowser::State {
             return;
         }
         HttpClient::Headers fields;
-        for (const auto& field : QueryOf(url)) {
+        for (const auto& field : QueryPairs(url)) {
             fields.push_back(field);
         }
         fields.emplace_back("username", options.username);
@@ -170,7 +134,7 @@ std::vector<TestBrowser::Visit> TestBrowser::Visits() const {
 }
 
 std::string TestBrowser::QueryValue(const std::string& url, const std::string& name) {
-    for (const auto& [key, value] : QueryOf(url)) {
+    for (const auto& [key, value] : QueryPairs(url)) {
         if (key == name) {
             return value;
         }

@@ -8,6 +8,8 @@
 #include <boost/json/parse.hpp>
 #include <stdexcept>
 
+#include "support/QueryText.h"
+
 namespace testsupport {
 
 namespace {
@@ -28,21 +30,6 @@ std::string Base64Url(const unsigned char* data, std::size_t size) {
     }
     if (bits > 0) {
         out += kAlphabet[(buffer << (6 - bits)) & 0x3F];
-    }
-    return out;
-}
-
-std::string PercentDecode(const std::string& text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size()) {
-            out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
-            i += 2;
-        } else if (text[i] == '+') {
-            out += ' ';
-        } else {
-            out += text[i];
-        }
     }
     return out;
 }
@@ -112,22 +99,8 @@ std::string VantroServerFixture::ChallengeOf(const std::string& verifier) {
 
 std::map<std::string, std::string> VantroServerFixture::QueryOf(const std::string& url) {
     std::map<std::string, std::string> params;
-    const auto question = url.find('?');
-    if (question == std::string::npos) {
-        return params;
-    }
-    std::string query = url.substr(question + 1);
-    query = query.substr(0, query.find('#'));
-    std::size_t start = 0;
-    while (start <= query.size()) {
-        const auto end = std::min(query.find('&', start), query.size());
-        const std::string pair = query.substr(start, end - start);
-        const auto equals = pair.find('=');
-        if (!pair.empty()) {
-            params[PercentDecode(pair.substr(0, equals))] =
-                equals == std::string::npos ? "" : PercentDecode(pair.substr(equals + 1));
-        }
-        start = end + 1;
+    for (auto& [name, value] : QueryPairs(url)) {
+        params[std::move(name)] = std::move(value);
     }
     return params;
 }
