@@ -532,6 +532,25 @@ void AuthManagerImpl::FailRefresh(const std::shared_ptr<RefreshOperation>& opera
     }
 }
 
+bool AuthManagerImpl::RetireRefreshLocked(const std::shared_ptr<RefreshOperation>& operation,
+                                          std::vector<TokenPromise>& waiters) {
+    if (refresh == operation) {
+        refresh = nullptr;
+    }
+    waiters = std::move(operation->waiters);
+    return config == operation->config && session->loaded && session->user == operation->user &&
+           session->tokens.refreshToken == operation->oldRefreshToken;
+}
+
+namespace {
+// With the store lock held: whether the store still holds the refresh token that `oldToken`
+// was, so that a refresh which lost its session may still update what is stored.
+bool StoreStillHolds(TokenStoreBase& store, const TokenKey& key, const std::string& oldToken) {
+    const auto stored = store.Load(key);
+    return stored && stored->refreshToken == oldToken;
+}
+}  // namespace
+
 void AuthManagerImpl::CommitRefresh(const std::shared_ptr<RefreshOperation>& operation,
                                     const StoredTokens& fresh) {
     std::vector<TokenPromise> waiters;
@@ -543,25 +562,16 @@ void AuthManagerImpl::CommitRefresh(const std::shared_ptr<RefreshOperation>& ope
         std::lock_guard storeLock(storeMutex);
         {
             std::lock_guard lock(mutex);
-            if (refresh == operation) {
-                refresh = nullptr;
-            }
-            waiters = std::move(operation->waiters);
-            if (config == operation->config && session->loaded &&
-                session->user == operation->user &&
-                session->tokens.refreshToken == operation->oldRefreshToken) {
+            installed = RetireRefreshLocked(operation, waiters);
+            if (installed) {
                 plan = InstallLocked(operation->user, fresh);
-                installed = true;
             }
         }
         // The old refresh token no longer works: the new one replaces it in the store, unless
         // the user signed out or in again meanwhile, in which case it is not wanted at all.
         const auto key = settings.KeyFor(operation->user);
         try {
-            if (installed) {
-                settings.store->Save(key, fresh);
-            } else if (const auto stored = settings.store->Load(key);
-                       stored && stored->refreshToken == operation->oldRefreshToken) {
+            if (installed || StoreStillHolds(*settings.store, key, operation->oldRefreshToken)) {
                 settings.store->Save(key, fresh);
             } else {
                 orphaned = true;
@@ -597,23 +607,14 @@ void AuthManagerImpl::EndSession(const std::shared_ptr<RefreshOperation>& operat
         std::lock_guard storeLock(storeMutex);
         {
             std::lock_guard lock(mutex);
-            if (refresh == operation) {
-                refresh = nullptr;
-            }
-            waiters = std::move(operation->waiters);
-            if (config == operation->config && session->loaded &&
-                session->user == operation->user &&
-                session->tokens.refreshToken == operation->oldRefreshToken) {
+            ended = RetireRefreshLocked(operation, waiters);
+            if (ended) {
                 InstallLocked(operation->user, StoredTokens{});
-                ended = true;
             }
         }
         const auto key = settings.KeyFor(operation->user);
         try {
-            if (ended) {
-                settings.store->Erase(key);
-            } else if (const auto stored = settings.store->Load(key);
-                       stored && stored->refreshToken == operation->oldRefreshToken) {
+            if (ended || StoreStillHolds(*settings.store, key, operation->oldRefreshToken)) {
                 settings.store->Erase(key);
             }
         } catch (const kel_exception& error) {

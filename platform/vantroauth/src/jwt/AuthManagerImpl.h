@@ -84,6 +84,10 @@ private:
     void SendRefresh(const std::shared_ptr<RefreshOperation>& operation);
     void FinishRefresh(const std::shared_ptr<RefreshOperation>& operation,
                        const ReplyFuture& reply);
+    /// With `mutex` held: ends `operation` as the refresh in flight and moves its waiters to
+    /// `waiters`; true when the session is still the one the refresh started from.
+    bool RetireRefreshLocked(const std::shared_ptr<RefreshOperation>& operation,
+                             std::vector<TokenPromise>& waiters);
     void CommitRefresh(const std::shared_ptr<RefreshOperation>& operation,
                        const StoredTokens& fresh);
     void EndSession(const std::shared_ptr<RefreshOperation>& operation);
