@@ -15,6 +15,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using kelcore::filesupport::commondirs::UserCacheDir;
+using kelcore::filesupport::commondirs::UserConfigDir;
+using kelcore::filesupport::commondirs::UserStateDir;
 using kelcore::string::UTF16toStdString;
 
 using testsupport::ScopedEnvironmentVariable;
@@ -76,6 +78,23 @@ TEST_F(CommonDirsTest, ReturnsThePathEvenWhenItCannotBeCreated) {
     ScopedEnvironmentVariable xdg("XDG_CACHE_HOME", blocker.string());
     EXPECT_EQ(UTF16toStdString(UserCacheDir()), (blocker / "vantrokelui").string());
     EXPECT_FALSE(fs::exists(blocker / "vantrokelui"));
+}
+
+TEST_F(CommonDirsTest, StateAndConfigurationFollowTheirOwnVariablesAndHomeFallbacks) {
+    ScopedEnvironmentVariable home("HOME", temp.Path().string());
+    ScopedEnvironmentVariable cache("XDG_CACHE_HOME", std::nullopt);
+    {
+        ScopedEnvironmentVariable state("XDG_STATE_HOME", (temp.Path() / "state").string());
+        ScopedEnvironmentVariable config("XDG_CONFIG_HOME", (temp.Path() / "config").string());
+        EXPECT_EQ(UTF16toStdString(UserStateDir()), (temp.Path() / "state/vantrokelui").string());
+        EXPECT_EQ(UTF16toStdString(UserConfigDir()), (temp.Path() / "config/vantrokelui").string());
+        EXPECT_EQ(Mode(temp.Path() / "config/vantrokelui"), fs::perms::owner_all);
+    }
+    ScopedEnvironmentVariable state("XDG_STATE_HOME", std::nullopt);
+    ScopedEnvironmentVariable config("XDG_CONFIG_HOME", "relative");
+    EXPECT_EQ(UTF16toStdString(UserStateDir()),
+              (temp.Path() / ".local/state/vantrokelui").string());
+    EXPECT_EQ(UTF16toStdString(UserConfigDir()), (temp.Path() / ".config/vantrokelui").string());
 }
 
 }  // namespace

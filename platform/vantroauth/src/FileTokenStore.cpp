@@ -1,7 +1,6 @@
 #include "FileTokenStore.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,11 +13,12 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <string_view>
 #include <system_error>
 
 #include <kelcore/config/kel_exception.h>
+#include <kelcore/filesupport/CommonDirs.h>
+#include <kelcore/string/String.h>
 
 #include <vantroauth/ResultCodes.h>
 
@@ -59,20 +59,6 @@ private:
     int fd;
 };
 
-std::filesystem::path HomeDirectory() {
-    if (const char* home = std::getenv("HOME"); home && home[0] == '/') {
-        return home;
-    }
-    std::array<char, 4096> buffer{};
-    passwd entry{};
-    passwd* found = nullptr;
-    if (::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found &&
-        found->pw_dir && found->pw_dir[0] == '/') {
-        return found->pw_dir;
-    }
-    return std::filesystem::temp_directory_path();
-}
-
 void MakePrivateDirectories(const std::filesystem::path& directory) {
     std::filesystem::path made;
     for (const auto& part : directory) {
@@ -110,13 +96,9 @@ std::string RandomSuffix() {
 }  // namespace
 
 std::filesystem::path FileTokenStore::DefaultPath() {
-    std::filesystem::path config;
-    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && xdg[0] == '/') {
-        config = xdg;
-    } else {
-        config = HomeDirectory() / ".config";
-    }
-    return config / "vantrokelui" / "tokens.json";
+    return std::filesystem::path(kelcore::string::UTF16toStdString(
+               kelcore::filesupport::commondirs::UserConfigDir())) /
+           "tokens.json";
 }
 
 std::shared_ptr<FileTokenStore> FileTokenStore::Open(std::filesystem::path path) {

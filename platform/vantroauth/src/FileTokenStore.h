@@ -20,9 +20,8 @@ namespace vantroauth {
 
 class FileTokenStore final : public TokenStoreBase {
 public:
-    /// <XDG config directory>/vantrokelui/tokens.json: $XDG_CONFIG_HOME when absolute, else
-    /// the home directory's .config, the home directory being $HOME when absolute, else the
-    /// user database's entry, else the temporary directory.
+    /// tokens.json in the product's configuration directory (kelcore's UserConfigDir, made
+    /// private if missing).
     static std::filesystem::path DefaultPath();
 
     /// Makes the directory (missing levels 0700) and checks the file if it exists. Throws

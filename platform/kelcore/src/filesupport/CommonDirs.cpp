@@ -31,4 +31,8 @@ string::string UserStateDir() {
     return PrivateProductDirectory("XDG_STATE_HOME", ".local/state", "state");
 }
 
+string::string UserConfigDir() {
+    return PrivateProductDirectory("XDG_CONFIG_HOME", ".config", "configuration");
+}
+
 }  // namespace kelcore::filesupport::commondirs

@@ -19,4 +19,9 @@ string::string UserCacheDir();
 /// as UserCacheDir does. Any thread.
 string::string UserStateDir();
 
+/// The product's configuration directory for what the user would keep across machines or
+/// reinstalls: `$XDG_CONFIG_HOME/vantrokelui`, or `$HOME/.config/vantrokelui`, made and reported
+/// as UserCacheDir does. Any thread.
+string::string UserConfigDir();
+
 }  // namespace kelcore::filesupport::commondirs
