@@ -36,7 +36,7 @@ void VantroClientAccount::ReceiveRawMessage(const kelcore::messaging::RawMessage
         return;
     }
     // Held for the comparison and the fetch: a node that is dying is no longer reached.
-    const std::shared_ptr<VantroClientAccount> self = WeakAs<VantroClientAccount>().lock();
+    const std::shared_ptr<VantroClientAccount> self = detail::LockSelf(*this);
     const auto* changed = message.As<vantro::VantroDatastore::TeamListChanged>();
     if (self && changed && changed->parentID == self->GetID()) {
         self->FetchChildren();

@@ -37,7 +37,7 @@ void VantroClientFolder::ReceiveRawMessage(const kelcore::messaging::RawMessage&
         return;
     }
     // Held for the comparison and the fetch: a node that is dying is no longer reached.
-    const std::shared_ptr<VantroClientFolder> self = WeakAs<VantroClientFolder>().lock();
+    const std::shared_ptr<VantroClientFolder> self = detail::LockSelf(*this);
     const auto* changed = message.As<vantro::VantroDatastore::AssetListChanged>();
     if (self && changed && changed->parentID == self->GetID()) {
         self->FetchChildren();

@@ -35,7 +35,7 @@ void VantroClientUser::ReceiveRawMessage(const kelcore::messaging::RawMessage& m
     }
     // Held for the fetch: a node that is dying is no longer reached, and one that lives
     // cannot die half-way through.
-    if (const std::shared_ptr<VantroClientUser> self = WeakAs<VantroClientUser>().lock()) {
+    if (const std::shared_ptr<VantroClientUser> self = detail::LockSelf(*this)) {
         self->FetchChildren();
     }
 }

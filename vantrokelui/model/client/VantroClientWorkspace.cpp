@@ -37,7 +37,7 @@ void VantroClientWorkspace::ReceiveRawMessage(const kelcore::messaging::RawMessa
         return;
     }
     // Held for the comparison and the fetch: a node that is dying is no longer reached.
-    const std::shared_ptr<VantroClientWorkspace> self = WeakAs<VantroClientWorkspace>().lock();
+    const std::shared_ptr<VantroClientWorkspace> self = detail::LockSelf(*this);
     const auto* changed = message.As<vantro::VantroDatastore::ProjectListChanged>();
     if (self && changed && changed->parentID == self->GetID()) {
         self->FetchChildren();

@@ -1,5 +1,6 @@
 // What the client nodes share in reaching the datastore: the datastore in use, the executor a
-// continuation runs on, and an item's name as a node shows it. Implementation only; any thread.
+// continuation runs on, a node's own reference taken safely, and an item's name as a node
+// shows it. Implementation only; any thread.
 #pragma once
 
 #include <memory>
@@ -24,6 +25,13 @@ template <class T>
 std::shared_ptr<kelcore::threads::AsyncExecutor> ExecutorOf(const kelcore::async::Future<T>& f) {
     std::shared_ptr<kelcore::threads::AsyncExecutor> executor = f.GetExecutor();
     return executor ? executor : kelcore::async::GetDefaultExecutor();
+}
+
+/// A strong reference to `node`, or null once its last owner has let go (while it is being
+/// destroyed, too). Unlike WeakAs, never throws; for receives that may race with the end.
+template <class Node>
+std::shared_ptr<Node> LockSelf(Node& node) noexcept {
+    return std::dynamic_pointer_cast<Node>(node.weak_from_this().lock());
 }
 
 /// The item's name in UTF-16, read under the item's own lock (the datastore refreshes records
