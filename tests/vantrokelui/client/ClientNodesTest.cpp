@@ -222,9 +222,11 @@ TEST_F(ClientNodesTest, NothingSubscribesBeforeTheFirstFill) {
 TEST_F(ClientNodesTest, TheListsAreKeptAtFetchStartAndReplacedAtOnce) {
     auto folder = FilledFolder(2);
     const auto old = folder->GetFolders();
-    std::vector<std::size_t> delivered;
+    // Shared with the observer: a delivery already queued may still run in TearDown.
+    const auto sizes = std::make_shared<std::vector<std::size_t>>();
     const auto binding = folder->AddFoldersBinding(
-        [&delivered](const auto& folders) { delivered.push_back(folders.size()); });
+        [sizes](const auto& folders) { sizes->push_back(folders.size()); });
+    auto& delivered = *sizes;
     Pump();
     delivered.clear();
     fake->HoldAnswers(true);
@@ -318,12 +320,13 @@ TEST_F(ClientNodesTest, TheListsAreStoredFoldersThenFilesThenVersionStacks) {
     auto folder = MakeNode<client::VantroClientFolder>();
     fake->SetAssets(folder->GetID(), {MakeAsset("version_stack", "v"), MakeAsset("file", "f"),
                                       MakeAsset("folder", "d")});
-    std::vector<std::string> order;
+    const auto log = std::make_shared<std::vector<std::string>>();
     const auto folders =
-        folder->AddFoldersBinding([&](const auto&) { order.push_back("Folders"); });
-    const auto files = folder->AddFilesBinding([&](const auto&) { order.push_back("Files"); });
+        folder->AddFoldersBinding([log](const auto&) { log->push_back("Folders"); });
+    const auto files = folder->AddFilesBinding([log](const auto&) { log->push_back("Files"); });
     const auto stacks =
-        folder->AddVersionStacksBinding([&](const auto&) { order.push_back("VersionStacks"); });
+        folder->AddVersionStacksBinding([log](const auto&) { log->push_back("VersionStacks"); });
+    auto& order = *log;
     Pump();
     order.clear();
 
