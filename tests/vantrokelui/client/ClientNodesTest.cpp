@@ -13,6 +13,8 @@
 #include <kelcore/config/ResultCode.h>
 #include <kelcore/config/kel_exception.h>
 #include <kelcore/string/String.h>
+#include <kelcore/threads/ManualClock.h>
+#include <kelcore/threads/ManualExecutor.h>
 #include <vantrokelui/model/client/VantroClientAccount.h>
 #include <vantrokelui/model/client/VantroClientFile.h>
 #include <vantrokelui/model/client/VantroClientFolder.h>
@@ -94,6 +96,64 @@ TEST_F(ClientNodesTest, AFolderFillsFromTheDatastoreOnTheFuturesExecutor) {
     EXPECT_EQ(folder->GetFetchChildrenState(), FetchChildrenState::Fetched);
     EXPECT_EQ(NamesOf(folder->GetFolders()), std::vector<std::u16string>{u"Cuts"});
     EXPECT_EQ(NamesOf(folder->GetFiles()), std::vector<std::u16string>{u"a.mp4"});
+}
+
+TEST_F(ClientNodesTest, TheFillRunsOnTheExecutorThatTheListsFutureCarries) {
+    auto executor = std::make_shared<kelcore::threads::ManualExecutor>(
+        std::make_shared<kelcore::threads::ManualClock>());
+    auto own = std::make_shared<FakeDatastore>(executor);
+    clienttest::ScopedDatastore ownInstalled(own);
+    auto account = MakeNode<client::VantroClientAccount>();
+    own->SetTeams(account->GetID(), {MakeTeam("Editors")});
+
+    account->FetchChildren();
+    Pump();
+    EXPECT_EQ(account->GetFetchChildrenState(), FetchChildrenState::Fetching)
+        << "the fill ran somewhere else than on the future's executor";
+
+    EXPECT_EQ(executor->RunUntilIdle(), 1u);
+    EXPECT_EQ(account->GetFetchChildrenState(), FetchChildrenState::Fetched);
+    EXPECT_EQ(account->GetWorkspaces().size(), 1u);
+    executor->Shutdown();
+}
+
+TEST_F(ClientNodesTest, UserAccountAndWorkspaceKeepTheirListsWhileFetchingAndAfterAFailure) {
+    auto user = std::make_shared<client::VantroClientUser>();
+    auto account = MakeNode<client::VantroClientAccount>();
+    auto workspace = MakeNode<client::VantroClientWorkspace>();
+    fake->SetAccounts({MakeAccount("Studio")});
+    fake->SetTeams(account->GetID(), {MakeTeam("Editors")});
+    fake->SetProjects(workspace->GetID(), {MakeProject("Alpha")});
+    user->FetchChildren();
+    account->FetchChildren();
+    workspace->FetchChildren();
+    Pump();
+    const auto accounts = user->GetAccounts();
+    const auto workspaces = account->GetWorkspaces();
+    const auto projects = workspace->GetProjects();
+    ASSERT_EQ(accounts.size(), 1u);
+    ASSERT_EQ(workspaces.size(), 1u);
+    ASSERT_EQ(projects.size(), 1u);
+    fake->HoldAnswers(true);
+
+    user->FetchChildren();
+    account->FetchChildren();
+    workspace->FetchChildren();
+    Pump();
+    EXPECT_EQ(user->GetAccounts(), accounts);
+    EXPECT_EQ(account->GetWorkspaces(), workspaces);
+    EXPECT_EQ(workspace->GetProjects(), projects);
+    // The three fetches of the nodes, and the eager ones that the first fills started below.
+    ASSERT_GE(fake->FailWaiting(kelcore::config::kResultUnknownFailure), 3u);
+    Pump();
+
+    for (const VantroNode* node :
+         std::vector<const VantroNode*>{user.get(), account.get(), workspace.get()}) {
+        EXPECT_EQ(node->GetFetchChildrenState(), FetchChildrenState::Fetching);
+    }
+    EXPECT_EQ(user->GetAccounts(), accounts);
+    EXPECT_EQ(account->GetWorkspaces(), workspaces);
+    EXPECT_EQ(workspace->GetProjects(), projects);
 }
 
 TEST_F(ClientNodesTest, AListOfLengthZeroStoresEmptyListsSetsFetchedAndSubscribes) {
@@ -196,6 +256,23 @@ TEST_F(ClientNodesTest, TwoFillsInARowLeaveOneSubscription) {
     EXPECT_EQ(fake->CountListeners(), 1u);
     // One subscription means one fetch per message.
     EXPECT_EQ(fake->CountRequests(Kind::Assets, folder->GetID()), 3u);
+}
+
+TEST_F(ClientNodesTest, ALaterFillKeepsTheStationOfTheFirst) {
+    auto folder = FilledFolder();
+    ASSERT_EQ(fake->CountListeners(), 1u);
+    auto other = std::make_shared<FakeDatastore>();
+    clienttest::ScopedDatastore otherInstalled(other);
+    other->SetAssets(folder->GetID(), {});
+
+    folder->FetchChildren();
+    Pump();
+
+    ASSERT_EQ(other->CountRequests(Kind::Assets, folder->GetID()), 1u);
+    EXPECT_EQ(folder->GetFetchChildrenState(), FetchChildrenState::Fetched);
+    EXPECT_EQ(folder->GetStationID(), fake->GetStationID());
+    EXPECT_EQ(fake->CountListeners(), 1u);
+    EXPECT_EQ(other->CountListeners(), 0u) << "a second fill subscribed again";
 }
 
 TEST_F(ClientNodesTest, ANodeLeavesTheStationWhenItDies) {
