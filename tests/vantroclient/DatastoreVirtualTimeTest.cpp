@@ -232,5 +232,46 @@ TEST_F(DatastoreVirtualTimeTest, ReconnectionBacksOffDoublingAndStartsOverOnceAS
     EXPECT_EQ(TimesOf("/v2/events").back(), 16500);
 }
 
+TEST_F(DatastoreVirtualTimeTest, ANetworkFailureOrAServerErrorIsTriedAgain) {
+    int pages = 0;
+    transport->SetResponder([&](const Request& request) -> FakeTransport::Outcome {
+        if (IsStream(request)) {
+            return FakeTransport::Pending{};
+        }
+        ++pages;
+        if (pages == 1) {
+            return vantrocommon::kResultNetworkFailure;
+        }
+        if (pages == 2) {
+            Reply unavailable;
+            unavailable.status = 503;
+            return unavailable;
+        }
+        return Page(2, 1, 1);
+    });
+    Open();
+    const auto list = datastore->GetAssetList(kFolder);
+    time.AdvanceBy(std::chrono::seconds(5));
+    ASSERT_EQ(ResultOf(list), 0);
+    EXPECT_EQ(list.Get()->GetCount(), 2u);
+    EXPECT_EQ(TimesOf("/children").size(), 3u);
+}
+
+TEST_F(DatastoreVirtualTimeTest, AnErrorThatIsNotPassingFailsTheListAtOnce) {
+    transport->SetResponder([](const Request& request) -> FakeTransport::Outcome {
+        if (IsStream(request)) {
+            return FakeTransport::Pending{};
+        }
+        Reply missing;
+        missing.status = 404;
+        return missing;
+    });
+    Open();
+    const auto list = datastore->GetAssetList(kFolder);
+    time.RunUntilIdle();
+    EXPECT_EQ(ResultOf(list), vantrocommon::kResultHttpError);
+    EXPECT_EQ(TimesOf("/children").size(), 1u);
+}
+
 }  // namespace
 }  // namespace vantroclienttest

@@ -151,6 +151,8 @@ struct ServiceDatastoreImpl::Fetch {
     long page = 1;
     bool tokenRefreshed = false;
     std::chrono::milliseconds rateLimitWaited{0};
+    // Network failures and passing server errors are tried again; a 429 is paced instead.
+    vantrocommon::RetrySchedule retries{vantrocommon::RetryPolicy{.retryTooManyRequests = false}};
     std::vector<boost::json::object> objects;
 };
 
@@ -335,15 +337,29 @@ void ServiceDatastoreImpl::SendPageNow(const std::shared_ptr<Fetch>& fetch) {
 
 void ServiceDatastoreImpl::OnPage(const std::shared_ptr<Fetch>& fetch,
                                   const Future<Reply>& answer) {
-    if (kelcore::async::ResultOf(answer) != 0) {
+    const std::string what = std::string(PathOf(fetch->key.kind)) + " of " +
+                             fetch->key.parent.AsStdString() + ", page " +
+                             std::to_string(fetch->page);
+    const auto tryAgainAfter = [&](std::chrono::milliseconds delay) {
+        Trace("datastore: trying " + what + " again in " + std::to_string(delay.count()) + " ms");
+        workExecutor->PostAfterDelay(
+            [weak = weak_from_this(), fetch] {
+                if (auto self = weak.lock()) {
+                    self->SendPage(fetch);
+                }
+            },
+            static_cast<std::uint64_t>(delay.count()));
+    };
+    if (const auto result = kelcore::async::ResultOf(answer); result != 0) {
+        if (const auto delay = fetch->retries.NextDelay(result)) {
+            tryAgainAfter(*delay);
+            return;
+        }
         Fail(fetch, FailureOf(answer));
         return;
     }
     const Reply& reply = answer.Get();
     pacer.Learn(reply);
-    const std::string what = std::string(PathOf(fetch->key.kind)) + " of " +
-                             fetch->key.parent.AsStdString() + ", page " +
-                             std::to_string(fetch->page);
     if (reply.status == 401 && !fetch->tokenRefreshed) {
         // The token may have expired or been replaced under us: one fresh one, then give up.
         Trace("datastore: 401 for " + what + "; asking for a fresh token");
@@ -366,16 +382,14 @@ void ServiceDatastoreImpl::OnPage(const std::shared_ptr<Fetch>& fetch,
         }
         Trace("datastore: 429 for " + what + "; waiting " + std::to_string(wait->count()) + " ms");
         fetch->rateLimitWaited += *wait;
-        workExecutor->PostAfterDelay(
-            [weak = weak_from_this(), fetch] {
-                if (auto self = weak.lock()) {
-                    self->SendPage(fetch);
-                }
-            },
-            static_cast<std::uint64_t>(wait->count()));
+        tryAgainAfter(*wait);
         return;
     }
     if (!reply.IsSuccessStatus()) {
+        if (const auto delay = fetch->retries.NextDelay(reply)) {
+            tryAgainAfter(*delay);
+            return;
+        }
         Fail(fetch,
              Failure(vantrocommon::kResultHttpError,
                      "the service answered " + std::to_string(reply.status) + " for " + what));
