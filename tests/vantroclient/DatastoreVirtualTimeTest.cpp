@@ -140,6 +140,25 @@ TEST_F(DatastoreVirtualTimeTest, PacingNeverPutsMoreThanTheAdvertisedLimitInAnyW
     EXPECT_GE(times.back(), 3000);
 }
 
+TEST_F(DatastoreVirtualTimeTest, LimitHeadersThatAreNotNumbersPaceNothing) {
+    transport->SetResponder([](const Request& request) -> FakeTransport::Outcome {
+        if (IsStream(request)) {
+            return FakeTransport::Pending{};
+        }
+        const long page = PageOf(request);
+        auto reply = Page(10, page, 6, static_cast<int>(page - 1) * 10);
+        reply.headers["X-RATELIMIT-LIMIT"] = "many";
+        reply.headers["X-RATELIMIT-WINDOW"] = "-5";
+        return reply;
+    });
+    Open({.pageSize = 10});
+    const auto list = datastore->GetAssetList(kFolder);
+    time.RunUntilIdle();
+    ASSERT_EQ(ResultOf(list), 0);
+    EXPECT_EQ(list.Get()->GetCount(), 60u);
+    EXPECT_EQ(TimesOf("/children"), (std::vector<long>{0, 0, 0, 0, 0, 0}));
+}
+
 TEST_F(DatastoreVirtualTimeTest, A429WithRetryAfterAsksAgainAfterThatLong) {
     int pages = 0;
     transport->SetResponder([&](const Request& request) -> FakeTransport::Outcome {
