@@ -92,14 +92,11 @@ protected:
 };
 
 TEST_F(ClientThreadSafetyTest, FoldersDieWhileFillsAndMessagesAreInFlight) {
-    constexpr int kFolders = 24;
-    constexpr int kChildren = 40;  // a quarter of them bundles, which are skipped
-    constexpr int kRounds = 40;
-    std::vector<Guid> ids;
-    std::vector<std::shared_ptr<client::VantroClientFolder>> survivors;
-    std::vector<std::shared_ptr<client::VantroClientFolder>> doomed;
-    std::vector<std::weak_ptr<client::VantroClientFolder>> all;
-    for (int index = 0; index < kFolders; ++index) {
+    constexpr int kSurvivors = 8;
+    constexpr int kWaves = 12;
+    constexpr int kDoomedPerWave = 16;
+    constexpr int kChildren = 20;  // a quarter of them bundles, which are skipped
+    const auto makeFolder = [this] {
         auto folder = std::make_shared<client::VantroClientFolder>(std::weak_ptr<VantroNode>());
         folder->SetID(Guid::CreateUnique());
         std::vector<clienttest::InterfaceRef<vantro::VantroAsset>> children;
@@ -109,44 +106,64 @@ TEST_F(ClientThreadSafetyTest, FoldersDieWhileFillsAndMessagesAreInFlight) {
                 clienttest::MakeAsset(kTypes[child % 4], "Item " + std::to_string(child)));
         }
         fake->SetAssets(folder->GetID(), children);
-        ids.push_back(folder->GetID());
-        all.push_back(folder);
-        (index % 2 == 0 ? survivors : doomed).push_back(std::move(folder));
-    }
-    for (const auto& folder : survivors) {
         folder->FetchChildren();
+        return folder;
+    };
+    std::vector<std::shared_ptr<client::VantroClientFolder>> survivors;
+    for (int index = 0; index < kSurvivors; ++index) {
+        survivors.push_back(makeFolder());
     }
-    for (const auto& folder : doomed) {
-        folder->FetchChildren();
-    }
-    ASSERT_TRUE(executor->WaitIdle());
-    ASSERT_EQ(fake->CountListeners(), static_cast<std::size_t>(kFolders));
+    std::vector<std::weak_ptr<client::VantroClientFolder>> all(survivors.begin(), survivors.end());
 
-    std::promise<void> firstRoundSent;
-    std::thread sender([&] {
-        for (int round = 0; round < kRounds; ++round) {
-            for (const Guid& id : ids) {
-                fake->Send(VantroDatastore::AssetListChanged{id});
-            }
-            if (round == 0) {
-                firstRoundSent.set_value();
-            }
+    // In each wave a second thread sends messages to every folder without pause and a third
+    // starts the survivors' fetches and walks their children, while the test's thread lets the
+    // wave's folders go one by one.
+    for (int wave = 0; wave < kWaves; ++wave) {
+        std::vector<std::shared_ptr<client::VantroClientFolder>> doomed;
+        std::vector<Guid> ids;
+        for (const auto& folder : survivors) {
+            ids.push_back(folder->GetID());
         }
-    });
-    std::thread walker([&] {
-        for (int round = 0; round < kRounds; ++round) {
-            for (const auto& folder : survivors) {
-                folder->FetchChildren();
-                for (const auto& child : folder->GetChildren()) {
-                    static_cast<void>(child->GetName());
+        for (int index = 0; index < kDoomedPerWave; ++index) {
+            doomed.push_back(makeFolder());
+            ids.push_back(doomed.back()->GetID());
+            all.push_back(doomed.back());
+        }
+        ASSERT_TRUE(executor->WaitIdle());
+        ASSERT_EQ(fake->CountListeners(), survivors.size() + doomed.size());
+
+        std::atomic<bool> sending{true};
+        std::promise<void> firstRoundSent;
+        std::thread sender([&] {
+            for (bool first = true; sending.load(); first = false) {
+                for (const Guid& id : ids) {
+                    fake->Send(VantroDatastore::AssetListChanged{id});
+                }
+                if (first) {
+                    firstRoundSent.set_value();
                 }
             }
+        });
+        std::thread walker([&] {
+            for (int round = 0; round < 10; ++round) {
+                for (const auto& folder : survivors) {
+                    folder->FetchChildren();
+                    for (const auto& child : folder->GetChildren()) {
+                        static_cast<void>(child->GetName());
+                    }
+                }
+            }
+        });
+        firstRoundSent.get_future().wait();
+        while (!doomed.empty()) {
+            doomed.pop_back();
         }
-    });
-    firstRoundSent.get_future().wait();
-    doomed.clear();
-    sender.join();
-    walker.join();
+        sending = false;
+        sender.join();
+        walker.join();
+        ASSERT_TRUE(executor->WaitIdle());
+        Pump();
+    }
     ASSERT_TRUE(executor->WaitIdle());
     Pump();
 
