@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "support/EventStreamClient.h"
 #include "support/VantroServerFixture.h"
 
 namespace {
@@ -82,6 +83,26 @@ TEST_F(TestHooksTest, ABadFaultIs400) {
     EXPECT_EQ(reply.Json().at("error").as_string(), "invalid_request");
 }
 
+TEST_F(TestHooksTest, DeletingEventsEndsEveryOpenStreamAndCountsThem) {
+    testsupport::EventStreamClient first(Url("/v2/events"), Bearer(token));
+    testsupport::EventStreamClient second(Url("/v2/events"), Bearer(token));
+    ASSERT_TRUE(first.WaitForComment());
+    ASSERT_TRUE(second.WaitForComment());
+
+    const auto reply = client.Delete(Url("/test/events"));
+    ASSERT_EQ(reply.status, 200) << reply.body;
+    EXPECT_EQ(reply.Json().at("closed").as_int64(), 2);
+    EXPECT_TRUE(first.WaitForEnd());
+    EXPECT_TRUE(second.WaitForEnd());
+
+    // Nothing is left open, and a stream opened afterwards still hears changes.
+    EXPECT_EQ(client.Delete(Url("/test/events")).Json().at("closed").as_int64(), 0);
+    testsupport::EventStreamClient later(Url("/v2/events"), Bearer(token));
+    ASSERT_TRUE(later.WaitForComment());
+    Admin({"account", "add", "--name", "Later", "--owner", "ann", "--storage-limit", "10"});
+    EXPECT_TRUE(later.WaitFor([](const auto& event) { return event.type == "account-list"; }));
+}
+
 class WithoutTestHooksTest : public testsupport::VantroServerFixture {};
 
 TEST_F(WithoutTestHooksTest, TheHookRoutesDoNotExist) {
@@ -89,6 +110,7 @@ TEST_F(WithoutTestHooksTest, TheHookRoutesDoNotExist) {
     const auto post = client.PostJson(Url("/test/faults"), {{"route", "/v2/me"}, {"status", 500}});
     EXPECT_EQ(post.status, 404);
     EXPECT_EQ(client.Delete(Url("/test/faults")).status, 404);
+    EXPECT_EQ(client.Delete(Url("/test/events")).status, 404);
 }
 
 }  // namespace

@@ -1,12 +1,11 @@
-// Groundwork only: the service's datastore is being written on its own branch.
 #include <vantroclient/ServiceDatastore.h>
 
-#include <stdexcept>
+#include "detail/ServiceDatastoreImpl.h"
 
 namespace vantro {
 
-std::shared_ptr<VantroDatastore> CreateServiceDatastore(ServiceDatastoreOptions) {
-    throw std::logic_error("the service datastore is not written yet");
+std::shared_ptr<VantroDatastore> CreateServiceDatastore(ServiceDatastoreOptions options) {
+    return detail::ServiceDatastoreImpl::Create(std::move(options));
 }
 
 }  // namespace vantro

@@ -6,6 +6,7 @@
 #include "api/ResourceEndpoints.h"
 #include "api/ReviewLinkEndpoints.h"
 #include "events/ChangeWatcher.h"
+#include "hooks/EventStreamCloser.h"
 #include "hooks/FaultInjector.h"
 #include "hooks/StreamSink.h"
 #include "http/Paging.h"
@@ -43,6 +44,7 @@ Service::Service(const store::DataDirectory& directory, const http::ServeOptions
         faults = std::make_shared<hooks::FaultInjector>();
         faults->AddRoutes(*router);
         hooks::StreamSink(directory.UploadDirectory()).AddRoutes(*router);
+        hooks::EventStreamCloser(hub).AddRoutes(*router);
     }
     dispatcher = std::make_shared<http::Dispatcher>(
         router, std::make_shared<http::RateLimiter>(options.rateLimit.value_or(kDefaultRateLimit)),

@@ -47,4 +47,22 @@ std::size_t EventHub::SubscriberCount() {
     return subscriptions.size();
 }
 
+std::size_t EventHub::CloseAll() {
+    std::vector<std::shared_ptr<EventSubscription>> live;
+    {
+        std::lock_guard lock(mutex);
+        std::erase_if(subscriptions, [](const auto& weak) { return weak.expired(); });
+        for (const auto& weak : subscriptions) {
+            if (auto subscription = weak.lock()) {
+                live.push_back(std::move(subscription));
+            }
+        }
+    }
+    std::size_t closed = 0;
+    for (const auto& subscription : live) {
+        closed += subscription->Close() ? 1 : 0;
+    }
+    return closed;
+}
+
 }  // namespace vantroserver::events

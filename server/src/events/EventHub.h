@@ -28,6 +28,8 @@ public:
     /// subscriptions whose connection has gone.
     void Publish(const Event& event);
     std::size_t SubscriberCount();
+    /// Asks every open stream to end; answers how many were open. Any thread.
+    std::size_t CloseAll();
 
 private:
     const Visibility visibility;

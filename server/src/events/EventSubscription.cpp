@@ -35,6 +35,27 @@ bool EventSubscription::Overflowed() {
     return overflowed;
 }
 
+bool EventSubscription::Close() {
+    std::function<void()> wake;
+    {
+        std::lock_guard lock(mutex);
+        if (closeRequested) {
+            return false;
+        }
+        closeRequested = true;
+        wake = wakeUp;
+    }
+    if (wake) {
+        wake();
+    }
+    return true;
+}
+
+bool EventSubscription::CloseRequested() {
+    std::lock_guard lock(mutex);
+    return closeRequested;
+}
+
 void EventSubscription::SetWakeUp(std::function<void()> value) {
     std::lock_guard lock(mutex);
     wakeUp = std::move(value);

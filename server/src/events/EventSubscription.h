@@ -23,6 +23,11 @@ public:
     /// True once frames were refused because the client stopped reading; the connection then
     /// closes, and the client reconnects and reloads its lists.
     bool Overflowed();
+    /// Asks the connection to end the stream cleanly (the last chunk, then close) and wakes it;
+    /// false when it had been asked already. Any thread.
+    bool Close();
+    /// True once Close was called. Any thread.
+    bool CloseRequested();
     /// Called after each Push, from the pushing thread; must only post. Replaces the previous
     /// one; an empty function detaches the connection.
     void SetWakeUp(std::function<void()> wakeUp);
@@ -32,6 +37,7 @@ private:
     std::mutex mutex;
     std::vector<std::string> pending;
     bool overflowed = false;
+    bool closeRequested = false;
     std::function<void()> wakeUp;
 };
 

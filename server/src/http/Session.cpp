@@ -444,7 +444,13 @@ private:
         for (auto& frame : subscription->TakePending()) {
             outgoing.push_back(std::move(frame));
         }
-        if (writing || outgoing.empty()) {
+        if (writing) {
+            return;
+        }
+        if (outgoing.empty()) {
+            if (subscription->CloseRequested()) {
+                FinishEventStream();
+            }
             return;
         }
         writing = true;
@@ -461,6 +467,17 @@ private:
                                   return;
                               }
                               self->FlushFrames();
+                          });
+    }
+
+    /// Ends the stream as a finished answer (the last chunk), so the client sees a whole reply
+    /// rather than a broken one, then closes the connection.
+    void FinishEventStream() {
+        writing = true;
+        asio::async_write(stream, beasthttp::make_chunk_last(),
+                          [self = this->shared_from_this()](error_code, std::size_t) {
+                              self->writing = false;
+                              self->EndEventStream();
                           });
     }
 

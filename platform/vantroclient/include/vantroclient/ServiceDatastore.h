@@ -20,11 +20,14 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include <kelcore/async/Future.h>
 #include <kelcore/threads/AsyncExecutor.h>
 #include <vantroclient/VantroDatastore.h>
+#include <vantrocommon/http/Transport.h>
 
 namespace vantro {
 
@@ -39,6 +42,21 @@ struct ServiceDatastoreOptions {
     std::chrono::milliseconds maxReconnectDelay{8'000};
     /// Waiting for rate limits that one list may spend before it fails (kResultRetriesExhausted).
     std::chrono::milliseconds rateLimitBudget{120'000};
+
+    /// The service's API base URL; empty for vantrocommon::ServiceEndpoint::Resolve().apiBase at
+    /// creation.
+    std::string apiBase{};
+    /// The HTTP transport; null for a CurlTransport of the service's endpoint. Tests put a fake
+    /// or a counting one here.
+    std::shared_ptr<vantrocommon::http::Transport> transport{};
+    /// Where bearer tokens come from; null for vantroauth::jwt::GetAccessToken.
+    std::function<kelcore::async::Future<std::string>(bool forceRefresh)> accessToken{};
+    /// What SignOutOAuth2 calls to end the sign-in; null for vantroauth::jwt::Logout.
+    std::function<void()> logout{};
+    /// Where the datastore's own timers and network continuations run; null for
+    /// kelcore::threads::GetIOBoundExecutor() at creation (so virtual time, installed first,
+    /// drives them).
+    std::shared_ptr<kelcore::threads::AsyncExecutor> workExecutor{};
 };
 
 /// A datastore on the configured service (vantrocommon::ServiceEndpoint). Any thread.

@@ -139,6 +139,8 @@ struct Exchange {
     std::uint64_t bodyPosition = 0;
     std::optional<std::string> fileProblem;
     std::uint64_t progressReported = 0;
+    // Whether the body goes to request.onBodyData; decided at its first bytes.
+    std::optional<bool> bodyStreamed;
     std::string lastHeaderName;
     Reply reply;
     std::array<char, CURL_ERROR_SIZE> errorText{};
@@ -224,10 +226,34 @@ std::size_t OnHeaderLine(char* data, std::size_t size, std::size_t count, void* 
     }
 }
 
+void StreamBody(Exchange& exchange, std::string_view chunk) noexcept {
+    try {
+        exchange.request.onBodyData(chunk);
+    } catch (const std::exception& e) {
+        kelcore::logging::LogException("CurlTransport body callback", e);
+    } catch (...) {
+        kelcore::logging::LogError("CurlTransport body callback: unknown exception");
+    }
+}
+
 std::size_t OnBodyBytes(char* data, std::size_t size, std::size_t count, void* user) noexcept {
     auto& exchange = *static_cast<Exchange*>(user);
     try {
-        exchange.reply.body.append(data, size * count);
+        if (!exchange.bodyStreamed && exchange.request.onBodyData) {
+            // Decided at the first bytes, when the final status is known: only a successful
+            // answer is streamed, so an error's body still reaches the caller in the Reply.
+            long status = 0;
+            curl_easy_getinfo(exchange.easy, CURLINFO_RESPONSE_CODE, &status);
+            exchange.bodyStreamed = status >= 200 && status < 300;
+            if (!*exchange.bodyStreamed) {
+                exchange.request.onBodyData = nullptr;
+            }
+        }
+        if (exchange.bodyStreamed.value_or(false)) {
+            StreamBody(exchange, std::string_view(data, size * count));
+        } else {
+            exchange.reply.body.append(data, size * count);
+        }
         return size * count;
     } catch (...) {
         return 0;  // aborts the exchange

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -39,6 +40,13 @@ struct Request {
     /// Called on the transport's I/O thread as body bytes leave (a running total). It must be
     /// quick and must not call back into the transport.
     std::function<void(std::uint64_t bodyBytesSent)> onBodyProgress{};
+    /// When set, a successful (2xx) answer's body is handed over here as it arrives instead of
+    /// being kept in the Reply, whose body then stays empty; the future still completes when the
+    /// answer ends (or fails, or is cancelled). For long-lived bodies such as an event stream.
+    /// Other answers keep their body in the Reply. Called on the transport's I/O thread, in
+    /// order; it must be quick and must not call back into the transport. An exception it
+    /// throws is logged and the bytes are dropped.
+    std::function<void(std::string_view chunk)> onBodyData{};
 };
 
 }  // namespace vantrocommon::http
