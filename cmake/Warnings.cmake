@@ -19,5 +19,10 @@ function(vantro_target_warnings target)
         -Wimplicit-fallthrough)
     if(VANTRO_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)
+        # GCC 12 at -O2 reports make_shared of a class with a virtual base (our tree nodes) as
+        # reaching outside its allocation, which it does not (ASan agrees). It stays a warning.
+        if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+            target_compile_options(${target} PRIVATE -Wno-error=array-bounds)
+        endif()
     endif()
 endfunction()
