@@ -1,0 +1,160 @@
+// The transitions that the share pipeline writes, run with the real pipeline, the real view
+// model in place of the host's stand-in properties, the test encoder and the real server.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <vantrokelui/model/SequenceSettings.h>
+
+#include "ViewModelWorldFixture.h"
+
+namespace vantrokelui::viewmodel::testing {
+namespace {
+
+using kelcore::string::string;
+
+class ViewModelPipelineTest : public ViewModelWorldFixture {
+protected:
+    void InjectFault(const boost::json::object& fault) {
+        const auto reply = client.PostJson(Url("/test/faults"), fault);
+        ASSERT_EQ(reply.status, 201) << reply.body;
+    }
+    /// Whether the pipeline still files a job under `jobID`.
+    static bool JobFiled(const string& jobID) {
+        return model::ShareManager::GetInstance().GetJobW(jobID) != nullptr;
+    }
+    /// Closes the panel as its host does, then opens it again.
+    void Reopen() {
+        viewModel->SetCurrentViewID(ViewID::None);
+        Open();
+    }
+};
+
+TEST_F(ViewModelPipelineTest, ShareGoesFromTheShareScreenToTheQueuedScreenWithTheFolderWritten) {
+    StartSignedInWorld();
+    // A stale path, to see the view model's writer at work when the share starts.
+    host->Sequences().Put(sequence, model::kUploadFolderPathKey, u"stale");
+    delivered.clear();
+    const string jobID = ShareUntilQueued();
+    ASSERT_FALSE(jobID.empty());
+    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::EncodingQueued; }));
+    Pump();
+    EXPECT_EQ(delivered, std::vector<ViewID>{ViewID::EncodingQueued});
+    EXPECT_EQ(host->Stored(model::kUploadFolderPathKey), "Studio/Editors/Alpha/Reviews");
+    EXPECT_EQ(viewModel->GetEncodingStatus(), EncodingStatus::Queued);
+    EXPECT_FALSE(viewModel->GetReviewLinkURL().empty()) << "the new link is shown at once";
+}
+
+TEST_F(ViewModelPipelineTest, APanelOpenedWhileEncodingFollowsTheShareToItsLink) {
+    StartSignedInWorld();
+    const string jobID = ShareUntilQueued();
+    ASSERT_FALSE(jobID.empty());
+    host->Encoder().BeginEncoding(jobID);
+    Reopen();
+    ASSERT_EQ(View(), ViewID::EncodingProgress);
+    host->Encoder().ReportProgress(jobID, 0.5);
+    host->Encoder().FinishEncoding(jobID);
+    host->Encoder().StartUploading(jobID);
+    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::CopyLinkSection; }));
+    const auto stored = host->Stored(model::kReviewLinkURLKey);
+    ASSERT_TRUE(stored.has_value());
+    EXPECT_EQ(kelcore::string::UTF16toStdString(viewModel->GetReviewLinkURL()), *stored);
+    EXPECT_FALSE(viewModel->GetActiveAssetDirty());
+    EXPECT_EQ(host->Stored(model::kAssetModifiedAfterShareKey), "false");
+}
+
+TEST_F(ViewModelPipelineTest, APanelOpenedWhileUploadingFollowsTheShareToItsLink) {
+    StartSignedInWorld();
+    const string jobID = ShareUntilQueued();
+    ASSERT_FALSE(jobID.empty());
+    host->Encoder().RunThroughEncoding(jobID);  // ends with the encoder's Encoded report
+    Reopen();
+    ASSERT_EQ(View(), ViewID::UploadProgress);
+    host->Encoder().StartUploading(jobID);
+    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::CopyLinkSection; }));
+    EXPECT_TRUE(PumpUntil([&] { return !JobFiled(jobID); }));
+}
+
+TEST_F(ViewModelPipelineTest, AnUploadCancelledByThePipelineLeadsBackToTheShareScreen) {
+    StartSignedInWorld();
+    // Parts hang at the service, so the transfer still runs when it is cancelled.
+    InjectFault({{"route", "/v2/uploads/*/parts/*"}, {"count", 1000}, {"delay_ms", 60000}});
+    const string jobID = ShareUntilQueued();
+    ASSERT_FALSE(jobID.empty());
+    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::EncodingQueued; }));
+    host->Encoder().RunThroughEncoding(jobID);
+    host->Encoder().StartUploading(jobID);
+    ASSERT_TRUE(PumpUntil([&] {
+        const auto job = model::ShareManager::GetInstance().GetJobW(jobID);
+        return job && !job->GetUploadingJobID().empty();
+    }));
+    delivered.clear();
+    model::CancelActiveProcessingJob();
+    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::ReviewInVantro; }));
+    Pump();
+    EXPECT_EQ(delivered, std::vector<ViewID>{ViewID::ReviewInVantro});
+    EXPECT_EQ(viewModel->GetEncodingStatus(), EncodingStatus::UploadCancelled);
+}
+
+TEST_F(ViewModelPipelineTest, AFailedUploadClosesThePanelAndItsLateShareScreenIsDropped) {
+    StartSignedInWorld();
+    InjectFault({{"route", "/v2/uploads/*/parts/*"}, {"count", 10000}, {"drop", true}});
+    const string jobID = ShareUntilQueued();
+    ASSERT_FALSE(jobID.empty());
+    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::EncodingQueued; }));
+    delivered.clear();
+    host->Encoder().RunThroughEncoding(jobID);
+    host->Encoder().StartUploading(jobID);
+    // The failure closes the panel, then the completion asks for the share screen: the closed
+    // panel drops that.
+    ASSERT_TRUE(
+        PumpUntil([&] { return viewModel->GetEncodingStatus() == EncodingStatus::UploadFailed; }));
+    Pump();
+    EXPECT_EQ(View(), ViewID::None);
+    EXPECT_EQ(delivered, std::vector<ViewID>{ViewID::None});
+    EXPECT_EQ(host->Toasts().Toasts().size(), 1u);
+}
+
+TEST_F(ViewModelPipelineTest, ARefusedReviewLinkClosesThePanel) {
+    StartSignedInWorld();
+    InjectFault({{"route", "/v2/projects/*/review_links"}, {"count", 1}, {"status", 500}});
+    delivered.clear();
+    PressShare();
+    ASSERT_TRUE(PumpUntil([&] { return host->Toasts().Toasts().size() == 1u; }));
+    Pump();
+    EXPECT_EQ(View(), ViewID::None);
+    EXPECT_EQ(delivered, std::vector<ViewID>{ViewID::None});
+    EXPECT_EQ(host->Encoder().JobCount(), 0u);
+}
+
+TEST_F(ViewModelPipelineTest, LogoutClosesThePanelAndTheRunningShareGoesOnToItsLink) {
+    StartSignedInWorld();
+    const string jobID = ShareUntilQueued();
+    ASSERT_FALSE(jobID.empty());
+    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::EncodingQueued; }));
+    viewModel->Logout();
+    Pump();
+    EXPECT_EQ(View(), ViewID::None);
+    EXPECT_FALSE(viewModel->GetIsLoggedIn());
+    EXPECT_EQ(viewModel->GetUser()->GetID(), Guid());
+    delivered.clear();
+
+    host->Encoder().RunThroughEncoding(jobID);
+    host->Encoder().StartUploading(jobID);
+    ASSERT_TRUE(PumpUntil([&] { return !JobFiled(jobID); }));
+    Pump();
+    EXPECT_TRUE(host->Toasts().Toasts().empty());
+    const auto stored = host->Stored(model::kReviewLinkURLKey);
+    ASSERT_TRUE(stored.has_value()) << "the share did not reach its link";
+    EXPECT_FALSE(stored->empty());
+    EXPECT_TRUE(host->Stored(model::kUploadedAssetGuidKey).has_value());
+    // The closed panel stayed closed.
+    EXPECT_EQ(View(), ViewID::None);
+    EXPECT_TRUE(delivered.empty());
+}
+
+}  // namespace
+}  // namespace vantrokelui::viewmodel::testing
