@@ -30,12 +30,15 @@ public:
 
     ConnectionMonitor() = delete;
 
-    /// Any thread. Counts one user; the first one starts watching. When the kernel refuses a
-    /// netlink socket the monitor still runs and judges Disconnected, with a trace saying why.
+    /// Any thread. Counts one user; the first one starts watching and judges before it returns
+    /// (that first judgement is read with GetNetworkState, not sent). When the kernel refuses
+    /// a netlink socket the monitor still runs and judges Disconnected, with a trace saying why.
     static void Start();
 
     /// Any thread. Ends one user's count; the last one stops watching and joins the thread, so
-    /// no message is sent after it returns. More Stops than Starts do nothing.
+    /// no message is sent after it returns (a name lookup under way is waited for). Called by a
+    /// listener on the monitor's thread, it lets that thread end on its own after the listener.
+    /// More Stops than Starts do nothing.
     static void Stop();
 
     /// Any thread. The current judgement; Unknown while not started.
@@ -45,8 +48,9 @@ public:
     static kelcore::utility::ImmutableString GetStationID();
 
     /// Any thread. The URL whose host decides; empty (the default) for the configured service
-    /// endpoint's API base. Takes effect at once when running (the state is judged again and a
-    /// change is sent), else at the next Start.
+    /// endpoint's API base, read again at each judgement. When running, the monitor's thread
+    /// judges again and sends a change before this returns (from a listener on that thread,
+    /// just after the listener returns); else it takes effect at the next Start.
     static void SetEndpoint(std::string url);
 };
 
