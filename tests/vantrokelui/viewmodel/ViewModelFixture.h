@@ -10,6 +10,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,18 @@
 #include "FakeNetworkMonitor.h"
 #include "vantrokelui/support/CloudShareFixture.h"
 #include "vantrokelui/support/FakeSequenceHost.h"
+
+namespace vantrokelui {
+
+// Readable names of parameterised tests.
+inline void PrintTo(ShareForReviewViewID id, std::ostream* out) {
+    *out << ShareForReviewViewIDDebugName(id) << "(" << static_cast<int>(id) << ")";
+}
+inline void PrintTo(EncodingStatus status, std::ostream* out) {
+    *out << "EncodingStatus(" << static_cast<int>(status) << ")";
+}
+
+}  // namespace vantrokelui
 
 namespace vantrokelui::viewmodel::testing {
 

@@ -33,19 +33,35 @@ protected:
     }
 };
 
-TEST_F(ViewModelPipelineTest, ShareGoesFromTheShareScreenToTheQueuedScreenWithTheFolderWritten) {
+TEST_F(ViewModelPipelineTest, ShareGoesFromTheShareScreenToTheQueuedScreen) {
     StartSignedInWorld();
-    // A stale path, to see the view model's writer at work when the share starts.
-    host->Sequences().Put(sequence, model::kUploadFolderPathKey, u"stale");
-    delivered.clear();
+    ClearDelivered();
     const string jobID = ShareUntilQueued();
     ASSERT_FALSE(jobID.empty());
     ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::EncodingQueued; }));
     Pump();
     EXPECT_EQ(delivered, std::vector<ViewID>{ViewID::EncodingQueued});
-    EXPECT_EQ(host->Stored(model::kUploadFolderPathKey), "Studio/Editors/Alpha/Reviews");
     EXPECT_EQ(viewModel->GetEncodingStatus(), EncodingStatus::Queued);
     EXPECT_FALSE(viewModel->GetReviewLinkURL().empty()) << "the new link is shown at once";
+    EXPECT_TRUE(host->Stored(model::kSelectedEncoderPresetKey).has_value());
+}
+
+TEST_F(ViewModelPipelineTest, ANewLinksShareWritesTheFolderThroughTheViewModel) {
+    StartSignedInWorld();
+    const auto reviews = viewModel->GetUser()->GetSelection();
+    ASSERT_NE(reviews, nullptr);
+    viewModel->CreateNewLink();
+    // The picker again: in new-link mode the commit leaves the sequence alone.
+    host->Sequences().Put(sequence, model::kUploadFolderPathKey, u"stale");
+    viewModel->SetCurrentViewID(ViewID::SelectFolder);
+    viewModel->GetUser()->SetSelection(reviews);
+    viewModel->LocationPickerSelectionCommitted();
+    ASSERT_EQ(host->Stored(model::kUploadFolderPathKey), "stale");
+    // The share starts by calling the writer the view model handed to the pipeline.
+    const string jobID = ShareUntilQueued();
+    ASSERT_FALSE(jobID.empty());
+    EXPECT_EQ(host->Stored(model::kUploadFolderPathKey), "Studio/Editors/Alpha/Reviews");
+    EXPECT_EQ(host->Stored(model::kUploadFolderGuidKey), folder);
 }
 
 TEST_F(ViewModelPipelineTest, APanelOpenedWhileEncodingFollowsTheShareToItsLink) {
@@ -91,7 +107,7 @@ TEST_F(ViewModelPipelineTest, AnUploadCancelledByThePipelineLeadsBackToTheShareS
         const auto job = model::ShareManager::GetInstance().GetJobW(jobID);
         return job && !job->GetUploadingJobID().empty();
     }));
-    delivered.clear();
+    ClearDelivered();
     model::CancelActiveProcessingJob();
     ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::ReviewInVantro; }));
     Pump();
@@ -105,7 +121,7 @@ TEST_F(ViewModelPipelineTest, AFailedUploadClosesThePanelAndItsLateShareScreenIs
     const string jobID = ShareUntilQueued();
     ASSERT_FALSE(jobID.empty());
     ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::EncodingQueued; }));
-    delivered.clear();
+    ClearDelivered();
     host->Encoder().RunThroughEncoding(jobID);
     host->Encoder().StartUploading(jobID);
     // The failure closes the panel, then the completion asks for the share screen: the closed
@@ -121,7 +137,7 @@ TEST_F(ViewModelPipelineTest, AFailedUploadClosesThePanelAndItsLateShareScreenIs
 TEST_F(ViewModelPipelineTest, ARefusedReviewLinkClosesThePanel) {
     StartSignedInWorld();
     InjectFault({{"route", "/v2/projects/*/review_links"}, {"count", 1}, {"status", 500}});
-    delivered.clear();
+    ClearDelivered();
     PressShare();
     ASSERT_TRUE(PumpUntil([&] { return host->Toasts().Toasts().size() == 1u; }));
     Pump();
@@ -130,23 +146,30 @@ TEST_F(ViewModelPipelineTest, ARefusedReviewLinkClosesThePanel) {
     EXPECT_EQ(host->Encoder().JobCount(), 0u);
 }
 
-TEST_F(ViewModelPipelineTest, LogoutClosesThePanelAndTheRunningShareGoesOnToItsLink) {
+TEST_F(ViewModelPipelineTest, LogoutClosesThePanelAndTheRunningUploadGoesOnToItsLink) {
     StartSignedInWorld();
+    // Parts are held a moment at the service, so the transfer still runs at the logout.
+    InjectFault({{"route", "/v2/uploads/*/parts/*"}, {"count", 1000}, {"delay_ms", 1500}});
     const string jobID = ShareUntilQueued();
     ASSERT_FALSE(jobID.empty());
-    ASSERT_TRUE(PumpUntil([&] { return View() == ViewID::EncodingQueued; }));
+    host->Encoder().RunThroughEncoding(jobID);
+    host->Encoder().StartUploading(jobID);
+    ASSERT_TRUE(PumpUntil([&] {
+        const auto job = model::ShareManager::GetInstance().GetJobW(jobID);
+        return job && !job->GetUploadingJobID().empty();
+    }));
     viewModel->Logout();
     Pump();
     EXPECT_EQ(View(), ViewID::None);
     EXPECT_FALSE(viewModel->GetIsLoggedIn());
     EXPECT_EQ(viewModel->GetUser()->GetID(), Guid());
-    delivered.clear();
+    ASSERT_TRUE(JobFiled(jobID)) << "the upload ended before the logout";
+    ClearDelivered();
 
-    host->Encoder().RunThroughEncoding(jobID);
-    host->Encoder().StartUploading(jobID);
     ASSERT_TRUE(PumpUntil([&] { return !JobFiled(jobID); }));
     Pump();
-    EXPECT_TRUE(host->Toasts().Toasts().empty());
+    const auto toasts = host->Toasts().Toasts();
+    EXPECT_TRUE(toasts.empty()) << "first toast: " << (toasts.empty() ? "" : toasts[0].message);
     const auto stored = host->Stored(model::kReviewLinkURLKey);
     ASSERT_TRUE(stored.has_value()) << "the share did not reach its link";
     EXPECT_FALSE(stored->empty());

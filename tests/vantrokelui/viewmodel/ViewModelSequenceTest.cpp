@@ -71,12 +71,17 @@ TEST_F(ViewModelSequenceTest, NoStoredLinkEmptiesTheLink) {
 TEST_F(ViewModelSequenceTest, AStoredLinkWinsOverTheJobsLink) {
     Store(model::kReviewLinkURLKey, u"https://review.example/l/stored");
     AddJob(EncodingStatus::UploadDone, u"https://review.example/l/job");
+    model::SetCurrentActiveSequenceAndProperties();
+    ASSERT_EQ(viewModel->GetReviewLinkURL(), u"https://review.example/l/job");
     viewModel->ReadSettingsFromCurrentSequence();
     EXPECT_EQ(viewModel->GetReviewLinkURL(), u"https://review.example/l/stored");
 }
 
 TEST_F(ViewModelSequenceTest, WithoutAStoredLinkTheJobsLinkIsUsedAndNotWrittenBack) {
     AddJob(EncodingStatus::UploadDone, u"https://review.example/l/job");
+    // The pipeline learns the active sequence's job first, as the open does.
+    model::SetCurrentActiveSequenceAndProperties();
+    viewModel->SetReviewLinkURL(u"");
     viewModel->ReadSettingsFromCurrentSequence();
     EXPECT_EQ(viewModel->GetReviewLinkURL(), u"https://review.example/l/job");
     EXPECT_EQ(Stored(model::kReviewLinkURLKey), std::nullopt);

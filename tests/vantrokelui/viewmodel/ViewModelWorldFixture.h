@@ -162,7 +162,23 @@ protected:
         return found;
     }
 
-    bool PumpUntil(const std::function<bool()>& done) { return queue->PumpUntil(done, kWaitLimit); }
+    /// Pumps the main thread until `done` holds. Some conditions are announced by nothing that
+    /// reaches the main thread (a job leaving the pipeline's map), so between tasks the
+    /// condition is also asked every few milliseconds.
+    bool PumpUntil(const std::function<bool()>& done) {
+        const auto deadline = std::chrono::steady_clock::now() + kWaitLimit;
+        while (!queue->PumpUntil(done, std::chrono::milliseconds(5))) {
+            if (std::chrono::steady_clock::now() >= deadline) {
+                return false;
+            }
+        }
+        return true;
+    }
+    /// Delivers what is queued, then forgets the screens recorded so far.
+    void ClearDelivered() {
+        Pump();
+        delivered.clear();
+    }
     std::size_t Pump() { return queue->RunUntilEmpty(); }
 
     ViewID View() const { return viewModel->GetCurrentViewID(); }
