@@ -119,13 +119,17 @@ TEST_F(TokenStoreTest, RefreshTokenExpires) {
               GrantStatus::Unknown);
 }
 
-TEST_F(TokenStoreTest, RevokingATokenRevokesItsFamily) {
+TEST_F(TokenStoreTest, RevokingATokenEndsItsFamilysRefreshingButNotItsAccessTokens) {
     const auto first = Redeem(IssueCode());
     const auto second = store->Tokens().RotateRefreshToken(first.refreshToken, kClient);
     EXPECT_TRUE(store->Tokens().RevokeRefreshToken(second.refreshToken));
-    EXPECT_TRUE(store->Tokens().IsFamilyRevoked(first.familyId));
+    EXPECT_FALSE(store->Tokens().IsFamilyRevoked(first.familyId));
     EXPECT_EQ(store->Tokens().RotateRefreshToken(second.refreshToken, kClient).status,
-              GrantStatus::Revoked);
+              GrantStatus::Unknown);
+    // The rotated one is gone too: replaying it neither refreshes nor revokes.
+    EXPECT_EQ(store->Tokens().RotateRefreshToken(first.refreshToken, kClient).status,
+              GrantStatus::Unknown);
+    EXPECT_FALSE(store->Tokens().IsFamilyRevoked(first.familyId));
     EXPECT_FALSE(store->Tokens().RevokeRefreshToken("unknown"));
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace vantrokelui {
 
@@ -22,5 +23,9 @@ enum class ShareForReviewViewID : std::int32_t {
     EncodingProgress = 12,  ///< progress view, the encoder renders
     UploadProgress = 13,    ///< progress view, encoded or uploading
 };
+
+/// The name that the debug dump prints for `id`; "(unknown ShareForReviewViewID value)" for 11,
+/// 13 and anything above 12. Each name is built once, on first use. Any thread.
+const std::string& ShareForReviewViewIDDebugName(ShareForReviewViewID id);
 
 }  // namespace vantrokelui

@@ -212,7 +212,10 @@ bool TokenStore::RevokeRefreshToken(std::string_view refreshToken) {
         }
         familyId = row.ColumnText(0);
     }
-    RevokeFamily(*lease, familyId);
+    // A sign-out ends the family's refreshing, but the access tokens already handed out live out
+    // their hour: work the user started before signing out (an upload under way) may finish.
+    // A replayed token is another matter: that revokes the whole family at once.
+    lease->Prepare("DELETE FROM refresh_tokens WHERE family_id = ?").Bind(1, familyId).Run();
     transaction.Commit();
     return true;
 }

@@ -62,7 +62,8 @@ public:
     /// terminal. Throws StoreError(NotFound) for an unknown user.
     TokenGrant IssueFamily(std::string_view userId, std::string_view clientId);
 
-    /// Revokes the token's family. False when the token is unknown.
+    /// Ends the token's family: none of its refresh tokens refreshes again, while its access
+    /// tokens stay valid until they expire. False when the token is unknown.
     bool RevokeRefreshToken(std::string_view refreshToken);
 
     bool IsFamilyRevoked(std::string_view familyId) const;
