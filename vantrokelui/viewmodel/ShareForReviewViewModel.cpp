@@ -41,14 +41,10 @@ namespace {
 constexpr std::string_view kTraceCategory = "VantroNative";
 constexpr int kTraceLevel = 5;
 
-/// A debug-database switch, read anew at every call: true exactly when the entry reads "true".
-bool ReadConfigurationKey(std::string_view key, bool defaultValue) {
-    return kelcore::debug::DebugDatabase::Instance().GetEntry(
-               key, defaultValue ? "true" : "false") == "true";
-}
-
+/// Which back end serves; read anew at every call.
 bool UseVantroCppSdk() {
-    return ReadConfigurationKey("VantroNative.UseVantroCppSdk", true);
+    return kelcore::debug::DebugDatabase::Instance().GetBoolEntry("VantroNative.UseVantroCppSdk",
+                                                                  true);
 }
 
 /// Whether the view model's trace lines are wanted; the answer is kept until the trace
@@ -226,7 +222,8 @@ void ShareForReviewViewModel::StartShareForReviewPopup() {
     model::SetCurrentActiveSequenceAndProperties();
     ReadSettingsFromCurrentSequence();
     SetCreateNewLinkMode(false);
-    if (ReadConfigurationKey("UnifiedHeader.ShowVantroNativeShareButtonDebugView", false)) {
+    if (kelcore::debug::DebugDatabase::Instance().GetBoolEntry(
+            "UnifiedHeader.ShowVantroNativeShareButtonDebugView", false)) {
         SetCurrentViewID(ShareForReviewViewID::DebugView);
         return;
     }

@@ -1,20 +1,10 @@
 #include <vantrokelui/viewmodel/SigninViewModel.h>
 
-#include <string_view>
-
 #include <kelcore/debug/DebugDatabase.h>
 #include <vantrokelui/utility/WeakBindMemberFunction.h>
 #include <vantrokelui/viewmodel/ShareForReviewViewModel.h>
 
 namespace vantrokelui::viewmodel {
-
-namespace {
-
-bool ReadConfigurationKey(std::string_view key) {
-    return kelcore::debug::DebugDatabase::Instance().GetEntry(key, "false") == "true";
-}
-
-}  // namespace
 
 std::shared_ptr<SigninViewModel> SigninViewModel::Create(
     const std::shared_ptr<ShareForReviewViewModel>& parent) {
@@ -30,10 +20,10 @@ std::shared_ptr<SigninViewModel> SigninViewModel::Create(
 SigninViewModel::SigninViewModel(ConstructionKey,
                                  const std::shared_ptr<ShareForReviewViewModel>& parent)
     : IsLoggedInNotifyingProperty(false),
-      PolicyVisibleNotifyingProperty(
-          ReadConfigurationKey("VantroNative.SignIn.PolicyLabelVisible")),
-      AltSigninVisibleNotifyingProperty(
-          ReadConfigurationKey("VantroNative.SignIn.AltSigninVisible")) {
+      PolicyVisibleNotifyingProperty(kelcore::debug::DebugDatabase::Instance().GetBoolEntry(
+          "VantroNative.SignIn.PolicyLabelVisible", false)),
+      AltSigninVisibleNotifyingProperty(kelcore::debug::DebugDatabase::Instance().GetBoolEntry(
+          "VantroNative.SignIn.AltSigninVisible", false)) {
     const std::weak_ptr<ShareForReviewViewModel> weakParent = parent;
     login = utility::WeakBindMemberFunction(weakParent, &ShareForReviewViewModel::Login);
     setCurrentViewID = utility::WeakBindMemberFunction(
