@@ -5,6 +5,12 @@
 //
 //   node review-page.mjs <path to vantro-server> <output directory>
 //
+// The same checks run against a review link that already exists (the demo's, for one): its
+// newest version loads and plays, and with `--versions N` the page lists N versions and the
+// first of them plays when chosen.
+//
+//   node review-page.mjs --link <review link URL> <output directory> [--versions N]
+//
 // Exits 0 when every check passed; any failure (including a browser that will not start)
 // prints the reason and exits 1.
 import { spawn, execFileSync } from 'node:child_process';
@@ -15,9 +21,15 @@ import { join } from 'node:path';
 import { createInterface } from 'node:readline';
 import { chromium } from 'playwright-core';
 
-const [serverExecutable, outputDirectory] = process.argv.slice(2);
-if (!serverExecutable || !outputDirectory) {
-    console.error('usage: node review-page.mjs <vantro-server> <output directory>');
+const kUsage = 'usage: node review-page.mjs <vantro-server> <output directory>\n' +
+               '       node review-page.mjs --link <URL> <output directory> [--versions N]';
+const argv = process.argv.slice(2);
+const linkMode = argv[0] === '--link';
+const [serverExecutable, linkUrl, outputDirectory, expectedVersions] = linkMode
+    ? [null, argv[1], argv[2], argv[3] === '--versions' ? Number(argv[4]) : null]
+    : [argv[0], null, argv[1], null];
+if (!outputDirectory || (linkMode && !linkUrl) || Number.isNaN(expectedVersions)) {
+    console.error(kUsage);
     process.exit(2);
 }
 const kChromium = process.env.VANTRO_CHROMIUM || '/usr/bin/chromium';
@@ -138,19 +150,87 @@ async function playOneSecond(page) {
                                { timeout: kDeadlineMs, polling: 50 });
 }
 
+async function launchBrowser() {
+    const browser = await chromium.launch({
+        executablePath: kChromium,
+        headless: true,
+        // Containers often run as root, where Chromium's sandbox cannot start.
+        args: process.getuid && process.getuid() === 0 ? ['--no-sandbox'] : [],
+    });
+    const page = await browser.newPage({ viewport: { width: 1280, height: 800 } });
+    return { browser, page };
+}
+
+/**
+ * Opens the review page at `url` and checks that its newest version loads and plays, then that
+ * choosing version 1 loads and plays that one. `expected` may name each version's media id and
+ * duration, and how many versions the page lists.
+ */
+async function checkReviewPage(page, url, expected) {
+    const opened = await page.goto(url);
+    check(opened.status() === 200, `the review page answered ${opened.status()}`);
+    const newest = await loadedPlayer(page);
+    console.log(`newest: ${newest.src} (${newest.duration.toFixed(2)} s)`);
+    check(/\/media\/[^/]+$/.test(newest.src), `the player's source is not review media: ${newest.src}`);
+    if (expected.newestId) {
+        check(newest.src.endsWith(`/media/${expected.newestId}`), `the page plays ${newest.src}, not the newest version`);
+    }
+    if (expected.newestSeconds) {
+        check(Math.abs(newest.duration - expected.newestSeconds) < 0.5,
+              `the newest version should last ${expected.newestSeconds} s, not ${newest.duration}`);
+    }
+    await playOneSecond(page);
+
+    const listed = await page.locator('a[data-version]').count();
+    if (expected.versions) {
+        check(listed === expected.versions, `the page lists ${listed} versions, not ${expected.versions}`);
+    }
+    if (listed < 2) {
+        return;
+    }
+    await Promise.all([page.waitForURL(/version=1/, { timeout: kDeadlineMs }),
+                       page.click('a[data-version="1"]')]);
+    const previous = await loadedPlayer(page);
+    console.log(`older: ${previous.src} (${previous.duration.toFixed(2)} s)`);
+    check(previous.src !== newest.src, 'choosing version 1 left the newest version in the player');
+    if (expected.olderId) {
+        check(previous.src.endsWith(`/media/${expected.olderId}`), `after choosing v1 the page plays ${previous.src}`);
+    }
+    if (expected.olderSeconds) {
+        check(Math.abs(previous.duration - expected.olderSeconds) < 0.5,
+              `v1 should last ${expected.olderSeconds} s, not ${previous.duration}`);
+    }
+    await playOneSecond(page);
+}
+
+async function screenshot(page) {
+    const file = join(outputDirectory, 'review-page.png');
+    await page.screenshot({ path: file, fullPage: true });
+    console.log(`screenshot: ${file}`);
+}
+
+/** The checks against a review link that exists already. */
+async function checkLink() {
+    mkdirSync(outputDirectory, { recursive: true });
+    const { browser, page } = await launchBrowser();
+    try {
+        await checkReviewPage(page, linkUrl, { versions: expectedVersions });
+        await screenshot(page);
+    } finally {
+        await browser.close();
+    }
+}
+
+/** The self-contained run: its own server, two uploaded versions and a link. */
 async function main() {
     mkdirSync(outputDirectory, { recursive: true });
     const work = mkdtempSync(join(tmpdir(), 'vantro-browser-'));
     let server = null;
     let browser = null;
     try {
-        browser = await chromium.launch({
-            executablePath: kChromium,
-            headless: true,
-            // Containers often run as root, where Chromium's sandbox cannot start.
-            args: process.getuid && process.getuid() === 0 ? ['--no-sandbox'] : [],
-        });
-        const page = await browser.newPage({ viewport: { width: 1280, height: 800 } });
+        const launched = await launchBrowser();
+        browser = launched.browser;
+        const { page } = launched;
         const mp4 = await page.evaluate(
             () => document.createElement('video').canPlayType('video/mp4; codecs="avc1.42E01E"'));
         const webm = mp4 === '';
@@ -187,25 +267,10 @@ async function main() {
                                 { asset_ids: [stackId] });
         check(added.status === 200, `adding the stack answered ${added.status}: ${added.text}`);
 
-        const opened = await page.goto(link.json.url);
-        check(opened.status() === 200, `the review page answered ${opened.status()}`);
-        const newest = await loadedPlayer(page);
-        console.log(`newest: ${newest.src} (${newest.duration.toFixed(2)} s)`);
-        check(newest.src.endsWith(`/media/${second.id}`), `the page plays ${newest.src}, not v2`);
-        check(Math.abs(newest.duration - 5) < 0.5, `v2 should last 5 s, not ${newest.duration}`);
-        await playOneSecond(page);
-
-        await Promise.all([page.waitForURL(/version=1/, { timeout: kDeadlineMs }),
-                           page.click('a[data-version="1"]')]);
-        const previous = await loadedPlayer(page);
-        console.log(`older: ${previous.src} (${previous.duration.toFixed(2)} s)`);
-        check(previous.src.endsWith(`/media/${first.id}`), `after choosing v1 the page plays ${previous.src}`);
-        check(Math.abs(previous.duration - 3) < 0.5, `v1 should last 3 s, not ${previous.duration}`);
-        await playOneSecond(page);
-
-        const screenshot = join(outputDirectory, 'review-page.png');
-        await page.screenshot({ path: screenshot, fullPage: true });
-        console.log(`screenshot: ${screenshot}`);
+        await checkReviewPage(page, link.json.url, {
+            newestId: second.id, newestSeconds: 5, olderId: first.id, olderSeconds: 3, versions: 2,
+        });
+        await screenshot(page);
     } finally {
         if (browser) {
             await browser.close();
@@ -218,7 +283,7 @@ async function main() {
     }
 }
 
-main().then(
+(linkMode ? checkLink() : main()).then(
     () => console.log('review page: all checks passed'),
     (error) => {
         console.error(`review page: ${error.stack || error}`);
