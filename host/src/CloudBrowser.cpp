@@ -66,11 +66,9 @@ bool CloudBrowser::AwaitFetched(const std::shared_ptr<vantrokelui::VantroNode>& 
 
 std::shared_ptr<vantrokelui::VantroNode> CloudBrowser::RootFolderOf(
     const std::shared_ptr<vantrokelui::VantroNode>& project) {
+    // A project comes with its root folder; it has nothing else to fetch.
     const auto asProject = std::dynamic_pointer_cast<vantrokelui::VantroProject>(project);
-    if (!asProject || !AwaitFetched(project)) {
-        return nullptr;
-    }
-    return asProject->GetRootFolder();
+    return asProject ? asProject->GetRootFolder() : nullptr;
 }
 
 CloudBrowser::Result CloudBrowser::Children(

@@ -43,6 +43,21 @@ bool CloudSession::HasStoredToken() {
     return vantrokelui::model::VantroConnectorIntegration::IsSignedIn();
 }
 
+std::shared_ptr<vantrokelui::viewmodel::ShareForReviewViewModel>
+CloudSession::BrowsingViewModel() {
+    auto viewModel = vantrokelui::viewmodel::ShareForReviewViewModel::Create();
+    viewModel->SetAssetDataMethods(
+        [](kelcore::utility::Guid&, kelcore::utility::Guid&) { return false; },
+        [](const kelcore::utility::Guid&, const kelcore::utility::Guid&,
+           const kelcore::string::string&, kelcore::string::string&) { return false; },
+        [](const kelcore::utility::Guid&, const kelcore::utility::Guid&,
+           const kelcore::string::string&, const kelcore::string::string&) { return false; },
+        [](const kelcore::utility::Guid&, const kelcore::utility::Guid&,
+           const kelcore::string::string&) { return false; });
+    viewModel->SetAssetProcessorInstalledMethod([] { return false; });
+    return viewModel;
+}
+
 std::string CloudSession::NotSignedInMessage() {
     return "not signed in to " + ServiceURL() + "; run `vantro-share login` first";
 }

@@ -47,6 +47,10 @@ public:
         const std::shared_ptr<vantrokelui::viewmodel::ShareForReviewViewModel>& viewModel,
         bool asPanel);
 
+    /// A view model for the commands that only read the tree: no sequence is open and no encoder
+    /// is asked for, so the panel's opening decision stops before any share.
+    static std::shared_ptr<vantrokelui::viewmodel::ShareForReviewViewModel> BrowsingViewModel();
+
     /// "not signed in to URL; run `vantro-share login` first".
     static std::string NotSignedInMessage();
 };

@@ -38,7 +38,7 @@ std::string Utf8(const kelcore::string::string& text) {
 // A signed-in view model for the commands that read the tree; null with the message printed.
 std::shared_ptr<ShareForReviewViewModel> SignedInViewModel(MainLoop& loop) {
     CloudSession::Start();
-    auto viewModel = ShareForReviewViewModel::Create();
+    auto viewModel = CloudSession::BrowsingViewModel();
     if (const auto failure = CloudSession::SignInQuietly(loop, viewModel, false)) {
         Fail(*failure);
         return nullptr;
@@ -98,7 +98,7 @@ int LoginWithToken(MainLoop& loop, const std::string& source) {
         return Fail("the token answer was not accepted: " + stored.GetMessage());
     }
     // The token is only worth keeping if the service takes it.
-    auto viewModel = ShareForReviewViewModel::Create();
+    auto viewModel = CloudSession::BrowsingViewModel();
     if (const auto failure = CloudSession::SignInQuietly(loop, viewModel, false)) {
         (void)vantroauth::jwt::Logout();
         return Fail("the service refused the token answer (" + *failure + ")");
@@ -155,7 +155,7 @@ int Status(MainLoop& loop, const std::filesystem::path& projectFile) {
     if (!CloudSession::HasStoredToken()) {
         std::cout << "signed in: no\n";
     } else {
-        auto viewModel = ShareForReviewViewModel::Create();
+        auto viewModel = CloudSession::BrowsingViewModel();
         if (const auto failure = CloudSession::SignInQuietly(loop, viewModel, false)) {
             std::cout << "signed in: a token is stored, but " << *failure << "\n";
         } else {
