@@ -1,4 +1,6 @@
 // The one-shot `sarvex render` command, run as users run it.
+#include <signal.h>
+
 #include <gtest/gtest.h>
 #include <sarvex/protocol/Wire.h>
 
@@ -67,6 +69,30 @@ TEST_F(SarvexRender, ExitsOneOnAMalformedSequenceFile) {
 
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_NE(result.err.find("no clips"), std::string::npos) << result.err;
+}
+
+TEST_F(SarvexRender, CtrlCCancelsExitsWith130AndLeavesNoFile) {
+    // Large enough frames that the render is still going when the signal lands.
+    auto sequence = MakeTwoClipSequence(directory.Path(), true);
+    sequence.width = 1920;
+    sequence.height = 1080;
+    const auto sequenceFile =
+        directory.Write("sequence.json", sarvex::protocol::EncodeSequence(sequence));
+    const auto output = directory.Path() / "movie.mp4";
+    Subprocess render(
+        {SarvexProgram().string(), "render", "--sequence", sequenceFile.string(), "--preset",
+         (ShippedPresetDirectory() / "h265-mp4.json").string(), "--output", output.string()},
+        Subprocess::Piped::Errors);
+    ASSERT_TRUE(render.AwaitLine("encoding", In(std::chrono::seconds(120))));
+
+    render.Signal(SIGINT);
+    const auto exitCode = render.AwaitExit(In(std::chrono::seconds(120)));
+
+    ASSERT_TRUE(exitCode);
+    EXPECT_EQ(*exitCode, 130);
+    EXPECT_FALSE(std::filesystem::exists(output));
+    EXPECT_EQ(DirectoryEntries(directory.Path()),
+              (std::vector<std::string>{"a.mp4", "b.mp4", "sequence.json"}));
 }
 
 TEST(SarvexPresets, ListsTheShippedPresetsDefaultFirst) {

@@ -266,6 +266,75 @@ TEST_F(SarvexServe, AnUnreadableClipFailsWithFfmpegsOwnWords) {
         << reports.back().message;
 }
 
+TEST_F(SarvexServe, AnFfmpegFailureCarriesItsOwnWordsAndLeavesNoFile) {
+    const auto preset = directory.Write(
+        "broken.json",
+        R"({"name": "Broken", "extension": "mp4", "args": ["-c:v", "nosuchcodec"]})");
+    StartServer();
+    SarvexClient client(socketPath);
+    client.Send(Request("job-1", MakeTwoClipSequence(directory.Path()), preset.string(), "a.mp4"));
+    const auto reports = client.ReportsUntilFinal("job-1", In(kDeadline));
+
+    ASSERT_FALSE(reports.empty());
+    EXPECT_EQ(reports.back().status, JobStatus::Failed);
+    EXPECT_NE(reports.back().message.find("ffmpeg"), std::string::npos) << reports.back().message;
+    EXPECT_NE(reports.back().message.find("nosuchcodec"), std::string::npos)
+        << reports.back().message;
+    EXPECT_TRUE(DirectoryEntries(OutputFolder()).empty());
+}
+
+TEST_F(SarvexServe, JobsRunInTheOrderTheyCameOneAtATime) {
+    const auto sequence = MakeTwoClipSequence(directory.Path());
+    StartServer({"--jobs", "1"});
+    SarvexClient client(socketPath);
+    client.Send(Request("first", sequence, "h264-mp4.json", "first.mp4"));
+    client.Send(Request("second", sequence, "h264-mp4.json", "second.mp4"));
+
+    std::vector<std::pair<std::string, JobStatus>> seen;
+    int finals = 0;
+    while (finals < 2) {
+        const auto report = client.NextReport(In(kDeadline));
+        ASSERT_TRUE(report);
+        seen.emplace_back(report->jobID, report->status);
+        finals += sarvex::protocol::IsFinal(report->status) ? 1 : 0;
+    }
+
+    const auto position = [&](const std::string& job, JobStatus status) {
+        return std::find(seen.begin(), seen.end(), std::make_pair(job, status)) - seen.begin();
+    };
+    ASSERT_LT(position("first", JobStatus::Encoded), static_cast<std::ptrdiff_t>(seen.size()));
+    ASSERT_LT(position("second", JobStatus::Encoded), static_cast<std::ptrdiff_t>(seen.size()));
+    EXPECT_LT(position("first", JobStatus::Encoded), position("second", JobStatus::Encoding));
+}
+
+TEST_F(SarvexServe, WithTwoSlotsTwoJobsRenderWhileTheThirdWaits) {
+    const auto sequence = MakeTwoClipSequence(directory.Path(), true);
+    StartServer({"--pace", "realtime", "--jobs", "2"});
+    SarvexClient client(socketPath);
+    for (const auto* job : {"one", "two", "three"})
+        client.Send(Request(job, sequence, "h264-mp4.json", std::string(job) + ".mp4"));
+
+    const auto one = client.ReportsUntil("one", IsEncodingUnderway, In(kDeadline));
+    const auto two = client.ReportsUntil("two", IsEncodingUnderway, In(kDeadline));
+    client.Send(CancelRequest{"three"});
+    const auto three = client.ReportsUntilFinal("three", In(kDeadline));
+    client.Send(CancelRequest{"one"});
+    client.Send(CancelRequest{"two"});
+    const auto oneEnd = client.ReportsUntilFinal("one", In(kDeadline));
+    const auto twoEnd = client.ReportsUntilFinal("two", In(kDeadline));
+
+    ASSERT_FALSE(one.empty());
+    ASSERT_FALSE(two.empty());
+    EXPECT_EQ(one.back().status, JobStatus::Encoding);
+    EXPECT_EQ(two.back().status, JobStatus::Encoding);
+    EXPECT_EQ(Statuses(three), (std::vector<JobStatus>{JobStatus::Queued, JobStatus::Cancelled}));
+    ASSERT_FALSE(oneEnd.empty());
+    ASSERT_FALSE(twoEnd.empty());
+    EXPECT_EQ(oneEnd.back().status, JobStatus::Cancelled);
+    EXPECT_EQ(twoEnd.back().status, JobStatus::Cancelled);
+    EXPECT_TRUE(DirectoryEntries(OutputFolder()).empty());
+}
+
 TEST_F(SarvexServe, AMalformedLineIsAnsweredAndTheConnectionStaysOpen) {
     StartServer();
     SarvexClient client(socketPath);

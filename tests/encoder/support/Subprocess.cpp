@@ -49,14 +49,17 @@ std::filesystem::path TemporaryFile(const char* kind) {
     return pattern;
 }
 
-// Spawns with stdout and stderr sent to the given descriptors, stdin from /dev/null.
-pid_t Spawn(const std::vector<std::string>& arguments, int outputFd, const std::string& errorPath) {
+// Spawns with one output sent to `pipedFd` and the other to the file `otherPath` (stdout to the
+// descriptor and stderr to the file unless `errorsPiped`), stdin from /dev/null.
+pid_t Spawn(const std::vector<std::string>& arguments, int pipedFd, const std::string& otherPath,
+            bool errorsPiped = false) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, outputFd, STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorPath.c_str(),
-                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions, pipedFd,
+                                     errorsPiped ? STDERR_FILENO : STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&actions, errorsPiped ? STDOUT_FILENO : STDERR_FILENO,
+                                     otherPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     std::vector<std::string> copies(arguments);
     std::vector<char*> argv;
     for (auto& argument : copies)
@@ -116,13 +119,13 @@ ProgramResult RunToEnd(const std::vector<std::string>& arguments) {
     return result;
 }
 
-Subprocess::Subprocess(const std::vector<std::string>& arguments)
-    : errorFile(TemporaryFile("stderr")) {
+Subprocess::Subprocess(const std::vector<std::string>& arguments, Piped piped)
+    : otherFile(TemporaryFile("output")) {
     std::array<int, 2> pipe{};
     if (::pipe2(pipe.data(), O_CLOEXEC) != 0)
         throw std::runtime_error("pipe failed");
     try {
-        pid = Spawn(arguments, pipe[1], errorFile.string());
+        pid = Spawn(arguments, pipe[1], otherFile.string(), piped == Piped::Errors);
     } catch (...) {
         ::close(pipe[0]);
         ::close(pipe[1]);
@@ -144,7 +147,7 @@ Subprocess::~Subprocess() {
     if (pidfd >= 0)
         ::close(pidfd);
     std::error_code ignored;
-    std::filesystem::remove(errorFile, ignored);
+    std::filesystem::remove(otherFile, ignored);
 }
 
 std::optional<std::string> Subprocess::AwaitLine(const std::string& prefix, Deadline deadline) {
@@ -194,8 +197,8 @@ std::optional<int> Subprocess::AwaitExit(Deadline deadline) {
     return ExitCode(status);
 }
 
-std::string Subprocess::ErrorOutput() const {
-    return ReadFile(errorFile);
+std::string Subprocess::OtherOutput() const {
+    return ReadFile(otherFile);
 }
 
 }  // namespace sarvextest

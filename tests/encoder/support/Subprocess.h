@@ -35,25 +35,30 @@ ProgramResult RunToEnd(const std::vector<std::string>& arguments);
 
 class Subprocess {
 public:
-    explicit Subprocess(const std::vector<std::string>& arguments);
+    /// Which of the program's outputs AwaitLine reads; the other goes to a file.
+    enum class Piped { Output, Errors };
+
+    explicit Subprocess(const std::vector<std::string>& arguments, Piped piped = Piped::Output);
     ~Subprocess();
     Subprocess(const Subprocess&) = delete;
     Subprocess& operator=(const Subprocess&) = delete;
 
-    /// Reads standard output until a line starting with `prefix`; returns it, or nothing when
+    /// Reads the piped output until a line starting with `prefix`; returns it, or nothing when
     /// the output ends or the deadline passes first.
     std::optional<std::string> AwaitLine(const std::string& prefix, Deadline deadline);
     void Signal(int signal);
     /// The exit code (128 + signal when a signal ended it), or nothing at the deadline.
     std::optional<int> AwaitExit(Deadline deadline);
-    /// What the program wrote to standard error; complete once it has exited.
-    std::string ErrorOutput() const;
+    /// What the program wrote to the output that is not piped; complete once it has exited.
+    std::string OtherOutput() const;
+    /// Standard error when standard output is piped (the usual case).
+    std::string ErrorOutput() const { return OtherOutput(); }
 
 private:
     pid_t pid = -1;
     int output = -1;
     int pidfd = -1;
-    std::filesystem::path errorFile;
+    std::filesystem::path otherFile;
     std::string pending;
 };
 
