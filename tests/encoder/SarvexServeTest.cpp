@@ -46,6 +46,16 @@ class SarvexServe : public ::testing::Test {
 protected:
     void SetUp() override { std::filesystem::create_directory(OutputFolder()); }
 
+    // sarvex ends cleanly on SIGTERM; a sanitizer build that found a fault would exit otherwise.
+    void TearDown() override {
+        if (!server || !server->Running())
+            return;
+        server->Signal(SIGTERM);
+        const auto exitCode = server->AwaitExit(In(kDeadline));
+        ASSERT_TRUE(exitCode) << "sarvex did not exit after SIGTERM";
+        EXPECT_EQ(*exitCode, 0) << server->ErrorOutput();
+    }
+
     void StartServer(const std::vector<std::string>& options = {}) {
         std::vector<std::string> arguments{SarvexProgram().string(), "serve", "--socket",
                                            socketPath.string()};

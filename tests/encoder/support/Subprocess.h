@@ -47,6 +47,8 @@ public:
     /// the output ends or the deadline passes first.
     std::optional<std::string> AwaitLine(const std::string& prefix, Deadline deadline);
     void Signal(int signal);
+    /// Whether it has not been awaited to its exit yet.
+    bool Running() const { return pid > 0; }
     /// The exit code (128 + signal when a signal ended it), or nothing at the deadline.
     std::optional<int> AwaitExit(Deadline deadline);
     /// What the program wrote to the output that is not piped; complete once it has exited.
