@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iomanip>
@@ -100,7 +101,7 @@ int Serve(const std::string& socketPath, std::size_t jobs, const std::string& pr
 std::string Seconds(double seconds) {
     if (seconds < 0)
         return "--:--";
-    const auto whole = static_cast<long long>(seconds + 0.5);
+    const auto whole = std::llround(seconds);
     std::ostringstream text;
     text << whole / 60 << ":" << std::setw(2) << std::setfill('0') << whole % 60;
     return text.str();

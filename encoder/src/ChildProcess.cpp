@@ -9,8 +9,8 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 #include <boost/asio/post.hpp>
@@ -52,7 +52,7 @@ private:
 };
 
 std::string ErrorText(int error) {
-    return std::strerror(error);
+    return std::generic_category().message(error);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <system_error>
 #include <utility>
 
@@ -29,11 +28,11 @@ std::filesystem::path ResolvePreset(const std::filesystem::path& preset,
 std::optional<std::string> UnreadableReason(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0)
-        return std::string(std::strerror(errno));
+        return std::string(std::generic_category().message(errno));
     if (S_ISDIR(status.st_mode))
         return std::string("it is a folder");
     if (::access(path.c_str(), R_OK) != 0)
-        return std::string(std::strerror(errno));
+        return std::string(std::generic_category().message(errno));
     return std::nullopt;
 }
 
@@ -133,7 +132,7 @@ void RenderJob::StartEncoding() {
     if (fd < 0) {
         Finish(JobStatus::Failed, "cannot write in the output's folder " +
                                       (folder.empty() ? std::string(".") : folder.string()) + ": " +
-                                      std::strerror(errno));
+                                      std::generic_category().message(errno));
         return;
     }
     // mkstemps makes the file private; the finished file gets the usual permissions.

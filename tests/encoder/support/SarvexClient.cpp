@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <system_error>
 
 namespace sarvextest {
 namespace {
@@ -30,7 +31,7 @@ SarvexClient::SarvexClient(const std::filesystem::path& socketPath) {
         throw std::runtime_error("socket path too long: " + path);
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        const auto why = std::string(std::strerror(errno));
+        const auto why = std::string(std::generic_category().message(errno));
         ::close(fd);
         fd = -1;
         throw std::runtime_error("cannot connect to " + path + ": " + why);
@@ -59,7 +60,8 @@ void SarvexClient::SendRaw(const std::string& line) {
         if (written < 0) {
             if (errno == EINTR)
                 continue;
-            throw std::runtime_error(std::string("send failed: ") + std::strerror(errno));
+            throw std::runtime_error(std::string("send failed: ") +
+                                     std::generic_category().message(errno));
         }
         sent += static_cast<std::size_t>(written);
     }

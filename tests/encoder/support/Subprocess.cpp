@@ -11,10 +11,10 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 
 extern char** environ;
 
@@ -69,7 +69,8 @@ pid_t Spawn(const std::vector<std::string>& arguments, int pipedFd, const std::s
     const int error = ::posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0)
-        throw std::runtime_error("cannot start " + arguments[0] + ": " + std::strerror(error));
+        throw std::runtime_error("cannot start " + arguments[0] + ": " +
+                                 std::generic_category().message(error));
     return pid;
 }
 
