@@ -167,7 +167,7 @@ std::shared_ptr<ChildProcess> ChildProcess::Start(asio::io_context& io,
 
 ChildProcess::~ChildProcess() {
     if (pid > 0) {
-        ::kill(pid, SIGKILL);
+        ::kill(-pid, SIGKILL);
         int status = 0;
         ::waitpid(pid, &status, 0);
     }
@@ -176,11 +176,12 @@ ChildProcess::~ChildProcess() {
 void ChildProcess::Stop(std::chrono::milliseconds grace) {
     if (pid <= 0)
         return;
-    ::kill(pid, SIGTERM);
+    // The whole group: helpers the program started go too and cannot hold its pipes open.
+    ::kill(-pid, SIGTERM);
     killTimer.expires_after(grace);
     killTimer.async_wait([self = shared_from_this()](const boost::system::error_code& error) {
         if (!error && self->pid > 0)
-            ::kill(self->pid, SIGKILL);
+            ::kill(-self->pid, SIGKILL);
     });
 }
 
