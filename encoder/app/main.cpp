@@ -53,6 +53,12 @@ int Serve(const std::string& socketPath, std::size_t jobs, const std::string& pr
     settings.presetDirectory =
         presetDirectory.empty() ? DefaultPresetDirectory() : std::filesystem::path(presetDirectory);
     settings.realtime = realtime;
+    std::error_code folderError;
+    if (!std::filesystem::is_directory(settings.presetDirectory, folderError)) {
+        std::cerr << "sarvex: the preset folder " << settings.presetDirectory.string()
+                  << " does not exist" << std::endl;
+        return 1;
+    }
     auto queue = std::make_shared<sarvex::RenderQueue>(io, settings, jobs);
     auto server = std::make_shared<sarvex::SocketServer>(io, queue, socketPath);
     try {

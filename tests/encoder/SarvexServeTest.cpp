@@ -400,6 +400,33 @@ TEST_F(SarvexServe, ASecondServerOnTheSameSocketRefusesToStart) {
     SarvexClient stillServed(socketPath);
 }
 
+TEST_F(SarvexServe, AMissingPresetFolderIsRefusedAtStart) {
+    const auto missing = (directory.Path() / "no-presets").string();
+    Subprocess refused(
+        {SarvexProgram().string(), "serve", "--socket", socketPath.string(), "--presets", missing});
+    const auto exitCode = refused.AwaitExit(In(kDeadline));
+
+    ASSERT_TRUE(exitCode);
+    EXPECT_EQ(*exitCode, 1);
+    EXPECT_NE(refused.ErrorOutput().find(missing), std::string::npos) << refused.ErrorOutput();
+    EXPECT_FALSE(std::filesystem::exists(socketPath));
+}
+
+TEST_F(SarvexServe, RelativePresetPathsAreFoundInThePresetFolder) {
+    testsupport::TemporaryDirectory presets;
+    presets.Write("fast.json",
+                  R"({"name": "Fast", "extension": "mkv", "args": ["-c:v", "libx264", "-preset",
+                      "ultrafast", "-c:a", "aac"]})");
+    StartServer({"--presets", presets.Path().string()});
+    SarvexClient client(socketPath);
+    client.Send(Request("job-1", MakeTwoClipSequence(directory.Path()), "fast.json", "a.mkv"));
+    const auto reports = client.ReportsUntilFinal("job-1", In(kDeadline));
+
+    ASSERT_FALSE(reports.empty());
+    EXPECT_EQ(reports.back().status, JobStatus::Encoded) << reports.back().message;
+    EXPECT_NE(ProbeMedia(OutputFolder() / "a.mkv").formatName.find("matroska"), std::string::npos);
+}
+
 TEST_F(SarvexServe, AStaleSocketFileIsTakenOver) {
     const int stale = ::socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
