@@ -24,7 +24,7 @@ std::filesystem::path ResolvePreset(const std::filesystem::path& preset,
     return directory / preset;
 }
 
-// Readable regular file, or why not, in the words a user understands.
+// Nothing when the clip can be opened for reading; otherwise why not, in a user's words.
 std::optional<std::string> UnreadableReason(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0)
