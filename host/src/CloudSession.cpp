@@ -43,8 +43,7 @@ bool CloudSession::HasStoredToken() {
     return vantrokelui::model::VantroConnectorIntegration::IsSignedIn();
 }
 
-std::shared_ptr<vantrokelui::viewmodel::ShareForReviewViewModel>
-CloudSession::BrowsingViewModel() {
+std::shared_ptr<vantrokelui::viewmodel::ShareForReviewViewModel> CloudSession::BrowsingViewModel() {
     auto viewModel = vantrokelui::viewmodel::ShareForReviewViewModel::Create();
     viewModel->SetAssetDataMethods(
         [](kelcore::utility::Guid&, kelcore::utility::Guid&) { return false; },

@@ -186,6 +186,12 @@ int Status(MainLoop& loop, const std::filesystem::path& projectFile) {
                   << "  version stack: " << (stack ? *stack : "(none)") << "\n"
                   << "  modified since share: " << (modified ? *modified : "(never shared)")
                   << "\n";
+        const std::string shared = project->SharedFingerprint(sequence.id);
+        if (!shared.empty()) {
+            std::cout << "  edited since the last share here: "
+                      << (shared == project->ContentFingerprint(sequence.id) ? "no" : "yes")
+                      << "\n";
+        }
     }
     std::cout << std::flush;
     return 0;

@@ -13,7 +13,10 @@
 #include <vantrokelui/model/SequenceSettings.h>
 #include <vantrokelui/model/ShareJob.h>
 #include <vantrokelui/model/ShareModel.h>
+#include <vantrokelui/nodes/NodeFunctions.h>
+#include <vantrokelui/nodes/VantroAccount.h>
 #include <vantrokelui/nodes/VantroFolder.h>
+#include <vantrokelui/nodes/VantroProject.h>
 #include <vantrokelui/nodes/VantroUser.h>
 #include <vantrokelui/viewmodel/ShareForReviewViewModel.h>
 
@@ -36,6 +39,9 @@ using vantrokelui::viewmodel::ShareForReviewViewModel;
 namespace {
 
 constexpr std::chrono::seconds kStorageCheckLimit{60};
+constexpr int kCommitAttempts = 10;
+// How long a cancel may take to settle, a link being made included (its job is cancelled too).
+constexpr std::chrono::seconds kCancelLimit{120};
 // A share has no deadline of its own; this only keeps a wedged process from living forever.
 constexpr std::chrono::hours kShareLimit{24};
 
@@ -118,6 +124,7 @@ int ShareCommand::Run() {
         if (socket.empty()) {
             sarvex = std::make_unique<SarvexProcess>(options.sarvexProgram);
             socket = sarvex->SocketPath();
+            loop.SetChildToStop(sarvex->Pid());
         }
         host->AttachSarvex(socket);
     } catch (const std::exception& error) {
@@ -166,26 +173,45 @@ int ShareCommand::Run() {
     }
 
     // The picker: the folder found in the tree, a new link first when asked, then Commit.
+    // The back end may replace the tree's nodes while they are walked (a list fetched again
+    // makes new nodes), and a folder cut off from its project cannot be committed; the walk is
+    // then done again over the new nodes.
     const std::shared_ptr<vantrokelui::VantroUser> user = viewModel->GetUser();
     CloudBrowser browser(loop, user);
-    const CloudBrowser::Result found = browser.Walk(folderParts, true);
-    if (loop.Interrupted()) {
-        return MainLoop::kInterruptedExitCode;
-    }
-    if (!found.node) {
-        return Fail(found.error);
-    }
-    const auto folder = std::dynamic_pointer_cast<vantrokelui::VantroFolder>(found.node);
-    if (!folder) {
-        return Fail("\"" + options.folder + "\" is a " + CloudBrowser::KindOf(found.node) +
-                    ", not a folder");
-    }
     if (options.newLink) {
         viewModel->CreateNewLink();
     }
-    viewModel->SetCurrentViewID(ShareForReviewViewID::SelectFolder);
-    user->SetSelection(folder);
-    viewModel->LocationPickerSelectionCommitted();
+    bool committed = false;
+    for (int attempt = 0; attempt < kCommitAttempts && !committed; ++attempt) {
+        const CloudBrowser::Result found = browser.Walk(folderParts, true);
+        if (loop.Interrupted()) {
+            return MainLoop::kInterruptedExitCode;
+        }
+        if (!found.node) {
+            return Fail(found.error);
+        }
+        const auto folder = std::dynamic_pointer_cast<vantrokelui::VantroFolder>(found.node);
+        if (!folder) {
+            return Fail("\"" + options.folder + "\" is a " + CloudBrowser::KindOf(found.node) +
+                        ", not a folder");
+        }
+        if (!vantrokelui::GetProject(folder) || !vantrokelui::GetAccount(folder)) {
+            continue;
+        }
+        // The picker: the folder step, the row chosen, Commit.
+        viewModel->SetCurrentViewID(ShareForReviewViewID::SelectFolder);
+        user->SetSelection(folder);
+        viewModel->LocationPickerSelectionCommitted();
+        // Without a stored folder and project the library's Share would stop without a word.
+        committed = vantrokelui::GetProject(folder) && vantrokelui::GetAccount(folder) &&
+                    user->GetSelectionPath() != u"/" &&
+                    (options.newLink || (host->Stored(model::kUploadFolderGuidKey) &&
+                                         host->Stored(model::kUploadFolderParentProjGuidKey)));
+    }
+    if (!committed) {
+        return Fail("the folder \"" + options.folder +
+                    "\" kept changing at the service while it was chosen; try again");
+    }
 
     if (!options.preset.empty()) {
         for (const auto& preset : viewModel->GetEncoderPresets()) {
@@ -236,7 +262,6 @@ int ShareCommand::Run() {
     viewModel->WriteSelectedEncoderPresetToSequence();
     model::ProcessAssetForReview();
 
-    bool cancelling = false;
     bool uploadCancelIssued = false;
     const auto linkShown = [&] {
         for (const ShareForReviewViewID id : views) {
@@ -282,15 +307,18 @@ int ShareCommand::Run() {
     loop.RunUntil(
         [&] {
             render();
-            if (!cancelling && loop.Interrupted()) {
-                cancelling = true;
-            }
-            if (cancelling) {
-                return stepCancel();
-            }
-            return linkShown() || toasts->Failed();
+            return loop.Interrupted() || linkShown() || toasts->Failed();
         },
         kShareLimit);
+    const bool cancelling = loop.Interrupted();
+    if (cancelling) {
+        render();
+        if (!loop.RunUntil(stepCancel, kCancelLimit)) {
+            progress.Finish();
+            std::cerr << "vantro-share: the cancel did not settle within " << kCancelLimit.count()
+                      << " s" << std::endl;
+        }
+    }
     progress.Finish();
 
     int exitCode = 1;

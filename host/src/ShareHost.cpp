@@ -352,6 +352,10 @@ std::string ShareHost::ConnectionLost() const {
     return connectionLost == "-" ? std::string() : connectionLost;
 }
 
+std::optional<std::string> ShareHost::Stored(kelcore::string::string_view key) const {
+    return project->GetValue(ActiveSequence(), Utf8(string(key)));
+}
+
 std::vector<std::string> ShareHost::SaveFailures() const {
     const std::lock_guard lock(mutex);
     return saveFailures;

@@ -79,6 +79,8 @@ public:
     std::vector<std::string> SubmittedJobs() const;
     /// A reason when the connection broke during the run; empty otherwise. Any thread.
     std::string ConnectionLost() const;
+    /// The active sequence's stored value of `key`, when it is text.
+    std::optional<std::string> Stored(kelcore::string::string_view key) const;
     /// Save failures of the project file seen during the run, in order. Any thread.
     std::vector<std::string> SaveFailures() const;
 
