@@ -47,13 +47,11 @@ protected:
         return snapshot;
     }
 
-    void ExpectNothingNewSince(const Snapshot& before, bool linkMayBeNew = false) {
+    void ExpectNothingNewSince(const Snapshot& before) {
         const Snapshot after = Take();
         EXPECT_EQ(after.assets, before.assets);
         EXPECT_EQ(after.versions, before.versions);
-        if (!linkMayBeNew) {
-            EXPECT_EQ(after.links, before.links);
-        }
+        EXPECT_EQ(after.links, before.links);
         EXPECT_EQ(after.storage, before.storage);
         // The preset the share stored when it started is the only value it may have written.
         json::object settings = after.settings;
@@ -142,12 +140,21 @@ TEST_F(HostCancel, WhileUploadingTheTransferStopsAndNoVersionIsAdded) {
 }
 
 TEST_F(HostCancel, WhileTheLinkIsMadeTheJobIsCancelledWhenItComes) {
-    ShareOnceThenEdit(3);
-    const Snapshot before = Take();
+    // A first share, which has to make its link before there is a job.
+    StartSignedInWorld();
+    WriteProject({{"Cut 1", Clip(3), 3}});
     AddFault({{"route", "/v2/projects/*/review_links"}, {"delay_ms", 2000}});
-    EXPECT_EQ(InterruptAt("creating link", {"--new-link"}), 130);
-    // The link is the service's once asked for; no asset reaches it.
-    ExpectNothingNewSince(before, true);
+    EXPECT_EQ(InterruptAt("creating link", {}), 130);
+    // The link is the service's once asked for; no asset reaches the folder or the link, and the
+    // sequence stores no share.
+    EXPECT_TRUE(FolderChildren().empty());
+    EXPECT_EQ(StorageUsed(), 0u);
+    for (const char* key :
+         {"ReviewLinkURL", "ReviewLinkGuid", "VersionStackGuid", "UploadedAssetGuid"}) {
+        EXPECT_FALSE(Stored("Cut 1", key)) << key;
+    }
+    const auto left = CacheFiles();
+    EXPECT_TRUE(left.empty()) << left.front();
 }
 
 }  // namespace
