@@ -66,8 +66,12 @@ std::string ProgressDisplay::FormatLine(Stage stage, double fraction, double spe
 void ProgressDisplay::Show(Stage stage, double fraction, double speedMbps,
                            double remainingSeconds) {
     if (terminal) {
-        out << "\r\033[K" << FormatLine(stage, fraction, speedMbps, remainingSeconds, true)
-            << std::flush;
+        const std::string line = FormatLine(stage, fraction, speedMbps, remainingSeconds, true);
+        if (lineOpen && line == lastLine) {
+            return;  // nothing the eye would see
+        }
+        out << "\r\033[K" << line << std::flush;
+        lastLine = line;
         lineOpen = true;
         return;
     }

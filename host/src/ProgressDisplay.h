@@ -36,6 +36,7 @@ private:
     std::ostream& out;
     const bool terminal;
     bool lineOpen = false;
+    std::string lastLine;
     std::optional<Stage> lastStage;
     int lastTenth = -1;
 };

@@ -123,5 +123,37 @@ TEST_F(HostCommands, StatusShowsEachSequencesLinkStackAndEdits) {
         << status.out;
 }
 
+TEST_F(HostCommands, BrowserSignInPrintsTheAddressAndEndsWhenTheUserHasSignedIn) {
+    StartWorld();
+    ChildProcess login({Executable(), "login"});
+    std::string address;
+    ASSERT_TRUE(login.WaitForErrorLine([&](const std::string& line) {
+        const auto at = line.find("http://");
+        if (at == std::string::npos || line.find("/oauth/authorize?") == std::string::npos) {
+            return false;
+        }
+        address = line.substr(at);
+        return true;
+    })) << login.Err();
+    // The user signs in on the page the address opens; the service sends the browser back to
+    // vantro-share's loopback listener.
+    auto query = QueryOf(address);
+    const auto form = PostSignIn(kUser, kPassword, query["code_challenge"], query["state"],
+                                 query["redirect_uri"]);
+    ASSERT_EQ(form.status, 302) << form.body;
+    const auto back = client.Get(form.Header("location"));
+    EXPECT_EQ(back.status, 200) << back.body;
+    EXPECT_EQ(login.Wait(), 0) << login.Err();
+    EXPECT_NE(login.Out().find("signed in to " + Url("")), std::string::npos) << login.Out();
+    EXPECT_NE(RunHost({"status"}).out.find("signed in: ann"), std::string::npos);
+}
+
+TEST_F(HostCommands, TheServiceOptionWinsOverTheEnvironment) {
+    StartWorld();
+    const auto status = RunHost({"--service", "http://127.0.0.1:9", "status"});
+    EXPECT_EQ(status.exitCode, 0) << status.err;
+    EXPECT_NE(status.out.find("service: http://127.0.0.1:9\n"), std::string::npos) << status.out;
+}
+
 }  // namespace
 }  // namespace hosttest

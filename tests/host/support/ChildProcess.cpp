@@ -86,9 +86,20 @@ void ChildProcess::Read(int fd, std::string& into) {
 
 bool ChildProcess::WaitForLine(const std::function<bool(const std::string&)>& matches,
                                std::chrono::seconds limit) {
+    return WaitForLineIn(out, matches, limit);
+}
+
+bool ChildProcess::WaitForErrorLine(const std::function<bool(const std::string&)>& matches,
+                                    std::chrono::seconds limit) {
+    return WaitForLineIn(err, matches, limit);
+}
+
+bool ChildProcess::WaitForLineIn(const std::string& text,
+                                 const std::function<bool(const std::string&)>& matches,
+                                 std::chrono::seconds limit) {
     std::unique_lock lock(mutex);
     return changed.wait_for(lock, limit, [&] {
-        std::istringstream lines(out);
+        std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);) {
             if (matches(line)) {
                 return true;

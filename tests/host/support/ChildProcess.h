@@ -42,6 +42,9 @@ public:
     /// only); whether one did.
     bool WaitForLine(const std::function<bool(const std::string&)>& matches,
                      std::chrono::seconds limit = std::chrono::seconds(120));
+    /// The same for a line of stderr.
+    bool WaitForErrorLine(const std::function<bool(const std::string&)>& matches,
+                          std::chrono::seconds limit = std::chrono::seconds(120));
     void Signal(int signal) const;
     /// Waits for the exit and for both outputs to end; the exit code as Result says.
     int Wait();
@@ -52,6 +55,9 @@ public:
 
 private:
     void Read(int fd, std::string& into);
+    bool WaitForLineIn(const std::string& text,
+                       const std::function<bool(const std::string&)>& matches,
+                       std::chrono::seconds limit);
 
     pid_t child = -1;
     int exitCode = -1;
