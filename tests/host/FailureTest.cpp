@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 #include "host/support/HostShareFixture.h"
@@ -38,6 +40,21 @@ TEST_F(HostFailure, ALinkTheServiceRefusesShowsTheLinkFailure) {
     WriteProject({{"Cut 1", Clip(2), 2}});
     AddFault({{"route", "/v2/projects/*/review_links"}, {"status", 403}, {"count", 20}});
     ExpectFailedWith(Share({"--sequence", "Cut 1"}), "Unable to create share for review link.");
+}
+
+TEST_F(HostFailure, AnAccountOverItsStorageLimitSharesNothing) {
+    StartSignedInWorld();
+    WriteProject({{"Cut 1", Clip(2), 2}});
+    // The service never lets usage pass the limit by itself; a plan lowered under the usage is
+    // what this stands for.
+    const std::string command =
+        "sqlite3 '" + (server.DataDir() / "vantro.db").string() +
+        "' \"UPDATE accounts SET storage_used = " + std::to_string((std::uint64_t{1} << 34) + 1) +
+        " WHERE id = '" + studio + "'\"";
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+    ExpectFailedWith(Share({"--sequence", "Cut 1"}),
+                     "the account \"Studio\" is over its storage limit; nothing was shared");
+    EXPECT_EQ(LinkCount(), 0u);
 }
 
 }  // namespace
