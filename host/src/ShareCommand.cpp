@@ -263,9 +263,15 @@ int ShareCommand::Run() {
     model::ProcessAssetForReview();
 
     bool uploadCancelIssued = false;
+    // The copy-link screen counts once this share has shown its progress: the same screen may
+    // also come from an opening decision (a stored link) delivered late.
     const auto linkShown = [&] {
+        bool progressShown = false;
         for (const ShareForReviewViewID id : views) {
-            if (id == ShareForReviewViewID::CopyLinkSection) {
+            progressShown = progressShown || id == ShareForReviewViewID::EncodingQueued ||
+                            id == ShareForReviewViewID::EncodingProgress ||
+                            id == ShareForReviewViewID::UploadProgress;
+            if (progressShown && id == ShareForReviewViewID::CopyLinkSection) {
                 return true;
             }
         }
