@@ -149,9 +149,10 @@ int ShareCommand::Run() {
     }
 
     viewModel->SetActiveAssetName(kelcore::string::StdToUTF16String(options.sequence));
-    std::vector<ShareForReviewViewID> views;
-    const auto viewBinding =
-        viewModel->AddCurrentViewIDBinding([&](ShareForReviewViewID id) { views.push_back(id); });
+    // Shared with the binding: a delivery already queued still runs after the binding has gone.
+    auto views = std::make_shared<std::vector<ShareForReviewViewID>>();
+    const auto viewBinding = viewModel->AddCurrentViewIDBinding(
+        [views](ShareForReviewViewID id) { views->push_back(id); });
     loop.SetCancellable(true);
     if (const auto failure = CloudSession::SignInQuietly(loop, viewModel, true)) {
         return loop.Interrupted() ? MainLoop::kInterruptedExitCode : Fail(*failure);
@@ -252,13 +253,13 @@ int ShareCommand::Run() {
         progress.Show(StageOf(viewModel->GetEncodingStatus()), viewModel->GetEncodingProgress(),
                       viewModel->GetUploadingSpeed(), viewModel->GetProcessingRemainingTime());
     };
-    const auto statusBinding = viewModel->AddEncodingStatusBinding([&](EncodingStatus) {});
-    const auto progressBinding = viewModel->AddEncodingProgressBinding([&](double) {});
-    const auto timeBinding = viewModel->AddProcessingRemainingTimeBinding([&](double) {});
-    const auto speedBinding = viewModel->AddUploadingSpeedBinding([&](double) {});
+    const auto statusBinding = viewModel->AddEncodingStatusBinding([](EncodingStatus) {});
+    const auto progressBinding = viewModel->AddEncodingProgressBinding([](double) {});
+    const auto timeBinding = viewModel->AddProcessingRemainingTimeBinding([](double) {});
+    const auto speedBinding = viewModel->AddUploadingSpeedBinding([](double) {});
     loop.RunPending();
 
-    views.clear();
+    views->clear();
     viewModel->WriteSelectedEncoderPresetToSequence();
     model::ProcessAssetForReview();
 
@@ -267,7 +268,7 @@ int ShareCommand::Run() {
     // also come from an opening decision (a stored link) delivered late.
     const auto linkShown = [&] {
         bool progressShown = false;
-        for (const ShareForReviewViewID id : views) {
+        for (const ShareForReviewViewID id : *views) {
             progressShown = progressShown || id == ShareForReviewViewID::EncodingQueued ||
                             id == ShareForReviewViewID::EncodingProgress ||
                             id == ShareForReviewViewID::UploadProgress;
