@@ -1,0 +1,45 @@
+// A private sarvex for one run of vantro-share: `sarvex serve --socket <path>` started in a
+// temporary directory of its own and its own process group (so a Ctrl-C at the terminal reaches
+// the host, which cancels through the library, and not the encoder), ready once it has printed
+// `listening on <path>`. Stopped with SIGTERM and waited for when the object goes.
+//
+// Owned by the host's main function; main thread. A thread of its own drains what sarvex prints
+// afterwards so that it never blocks on a full pipe.
+//
+//   SarvexProcess sarvex("/usr/bin/sarvex");   // throws SarvexError when it does not start
+//   auto connection = SarvexConnection::Connect(sarvex.SocketPath(), ...);
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace vantroshare {
+
+class SarvexProcess {
+public:
+    /// Starts `executable serve --socket PATH` plus `extraArguments` and waits for its listening
+    /// line. Throws SarvexError (naming the executable) when it cannot start or exits first.
+    explicit SarvexProcess(const std::filesystem::path& executable,
+                           const std::vector<std::string>& extraArguments = {});
+    ~SarvexProcess();
+    SarvexProcess(const SarvexProcess&) = delete;
+    SarvexProcess& operator=(const SarvexProcess&) = delete;
+
+    const std::string& SocketPath() const { return socketPath; }
+    pid_t Pid() const { return child; }
+
+private:
+    void Stop();
+
+    std::filesystem::path directory;
+    std::string socketPath;
+    pid_t child = -1;
+    int output = -1;
+    std::thread drain;
+};
+
+}  // namespace vantroshare
