@@ -13,6 +13,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include <sarvex/protocol/Wire.h>
 #include <CLI/CLI.hpp>
@@ -114,7 +115,7 @@ std::string Seconds(double seconds) {
 }
 
 int Render(const std::string& sequencePath, const std::string& presetPath,
-           const std::string& outputPath) {
+           const std::string& outputPath, bool printCommand) {
     std::ifstream file(sequencePath, std::ios::binary);
     if (!file) {
         std::cerr << "sarvex: cannot read " << sequencePath << std::endl;
@@ -138,8 +139,17 @@ int Render(const std::string& sequencePath, const std::string& presetPath,
     const bool terminal = ::isatty(STDERR_FILENO) == 1;
     std::optional<JobReport> last;
     int interruptedBy = 0;
+    sarvex::RenderSettings settings;
+    if (printCommand) {
+        // NUL-separated, so that a script can run it as it is: mapfile -d '' -t command.
+        settings.printCommand = [](const std::vector<std::string>& command) {
+            for (const auto& argument : command)
+                std::cout << argument << '\0';
+            std::cout << std::flush;
+        };
+    }
     auto job = std::make_shared<sarvex::RenderJob>(
-        io, request, sarvex::RenderSettings{},
+        io, request, settings,
         [&](const JobReport& report) {
             if (report.status == JobStatus::Encoding) {
                 std::cerr << (terminal ? "\r" : "") << "encoding " << std::fixed
@@ -172,6 +182,8 @@ int Render(const std::string& sequencePath, const std::string& presetPath,
             std::cerr << "encoded " << outputPath << std::endl;
             return 0;
         case JobStatus::Cancelled:
+            if (printCommand && !interruptedBy)
+                return 0;
             std::cerr << "cancelled" << std::endl;
             return 128 + (interruptedBy ? interruptedBy : SIGINT);
         default:
@@ -225,6 +237,9 @@ int main(int argc, char** argv) {
     render->add_option("--sequence", sequencePath, "The sequence, a JSON file")->required();
     render->add_option("--preset", presetPath, "The preset file")->required();
     render->add_option("--output", outputPath, "The file to make")->required();
+    bool printCommand = false;
+    render->add_flag("--print-command", printCommand,
+                     "Print the FFmpeg command (NUL-separated arguments) instead of rendering");
 
     std::string listDirectory;
     auto* presets = app.add_subcommand("presets", "List the presets: name, extension, path");
@@ -234,6 +249,6 @@ int main(int argc, char** argv) {
     if (*serve)
         return Serve(socketPath, jobs, presetDirectory, pace == "realtime");
     if (*render)
-        return Render(sequencePath, presetPath, outputPath);
+        return Render(sequencePath, presetPath, outputPath, printCommand);
     return ListPresets(listDirectory);
 }

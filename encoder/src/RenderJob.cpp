@@ -121,6 +121,13 @@ void RenderJob::OnProbed(std::size_t index, const ChildProcess::Outcome& outcome
 }
 
 void RenderJob::StartEncoding() {
+    if (settings.printCommand) {
+        settings.printCommand(FfmpegCommand(request.sequence, clipHasAudio, presetArguments,
+                                            request.outputPath, settings.realtime, settings.ffmpeg)
+                                  .Arguments());
+        Finish(JobStatus::Cancelled, "the command was printed, not run");
+        return;
+    }
     // A hidden name in the output's own folder (so the rename cannot cross file systems) that
     // keeps the extension, from which FFmpeg picks the container.
     const std::filesystem::path output(request.outputPath);

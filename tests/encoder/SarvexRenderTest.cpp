@@ -60,6 +60,35 @@ TEST_F(SarvexRender, ExitsOneWhenTheOutputDoesNotSuitThePreset) {
     EXPECT_FALSE(std::filesystem::exists(output));
 }
 
+TEST_F(SarvexRender, PrintsTheFfmpegCommandThatMakesTheOutputWithoutRendering) {
+    const auto sequence = MakeTwoClipSequence(directory.Path());
+    const auto output = directory.Path() / "movie.mp4";
+    const auto sequenceFile =
+        directory.Write("sequence.json", sarvex::protocol::EncodeSequence(sequence));
+    const auto printed = RunToEnd({SarvexProgram().string(), "render", "--print-command",
+                                   "--sequence", sequenceFile.string(), "--preset",
+                                   (ShippedPresetDirectory() / "h264-mp4.json").string(),
+                                   "--output", output.string()});
+
+    ASSERT_EQ(printed.exitCode, 0) << printed.err;
+    EXPECT_FALSE(std::filesystem::exists(output));
+    std::vector<std::string> command;
+    for (std::size_t start = 0, end; (end = printed.out.find('\0', start)) != std::string::npos;
+         start = end + 1) {
+        command.push_back(printed.out.substr(start, end - start));
+    }
+    ASSERT_GE(command.size(), 2u) << printed.out;
+    EXPECT_EQ(command.front(), "ffmpeg");
+    EXPECT_EQ(command.back(), "file:" + output.string());
+
+    // The printed command is the render itself: run as it is, it makes the sequence's file.
+    const auto ran = RunToEnd(command);
+    ASSERT_EQ(ran.exitCode, 0) << ran.err;
+    const auto probe = ProbeMedia(output);
+    EXPECT_EQ(probe.videoCodecs, std::vector<std::string>{"h264"});
+    EXPECT_NEAR(probe.duration, sequence.Duration(), 2.0 / 25.0);
+}
+
 TEST_F(SarvexRender, ExitsOneOnAMalformedSequenceFile) {
     const auto sequenceFile = directory.Write("sequence.json", R"({"clips": []})");
     const auto result =
