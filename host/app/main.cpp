@@ -55,7 +55,10 @@ int main(int argc, char** argv) {
     std::string projectFile;
     share->add_option("--project", projectFile, "the project file")->required();
     share->add_option("--sequence", shareOptions.sequence, "the sequence's name")->required();
-    share->add_option("--folder", shareOptions.folder, "ACCOUNT/WORKSPACE/PROJECT[/FOLDER...]")
+    share
+        ->add_option("--folder", shareOptions.folder,
+                     "ACCOUNT/WORKSPACE/PROJECT/FOLDER[/...]; FOLDER may be "
+                     "the root folder")
         ->required();
     share->add_option("--preset", shareOptions.preset, "the encoder preset's name");
     share->add_flag("--new-link", shareOptions.newLink, "make a new review link");

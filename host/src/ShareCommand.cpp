@@ -105,9 +105,11 @@ int ShareCommand::Run() {
                     "\" (presets: " + Join(presets.Names()) + ")");
     }
     const std::vector<std::string> folderParts = CloudBrowser::SplitPath(options.folder);
-    if (folderParts.size() < 3) {
-        return Fail("--folder needs ACCOUNT/WORKSPACE/PROJECT[/FOLDER...], not \"" +
-                    options.folder + "\"");
+    if (folderParts.size() < 4) {
+        return Fail(
+            "--folder needs ACCOUNT/WORKSPACE/PROJECT/FOLDER (FOLDER the project's root folder "
+            "or a folder path below it), not \"" +
+            options.folder + "\"");
     }
 
     CloudSession::Start();

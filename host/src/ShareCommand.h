@@ -23,7 +23,7 @@ public:
     struct Options {
         std::filesystem::path projectFile;
         std::string sequence;
-        std::string folder;  ///< ACCOUNT/WORKSPACE/PROJECT[/FOLDER...]
+        std::string folder;  ///< ACCOUNT/WORKSPACE/PROJECT/FOLDER[/...]; FOLDER may be the root
         std::string preset;  ///< empty: the stored one, else the default
         bool newLink = false;
         std::string sarvexSocket;             ///< connect here when set

@@ -157,5 +157,29 @@ TEST_F(HostCancel, WhileTheLinkIsMadeTheJobIsCancelledWhenItComes) {
     EXPECT_TRUE(left.empty()) << left.front();
 }
 
+TEST_F(HostCancel, ASecondCtrlCEndsTheProcessWithoutWaitingForTheCancel) {
+    StartSignedInWorld();
+    WriteProject({{"Cut 1", Clip(3), 3}});
+    // The cancel would wait for this link to come back before it could end.
+    AddFault({{"route", "/v2/projects/*/review_links"}, {"delay_ms", 30000}});
+    ChildProcess share(ShareCommand({"--sequence", "Cut 1"}));
+    ASSERT_TRUE(share.WaitForLine([](const std::string& line) {
+        return line.rfind("creating link", 0) == 0;
+    })) << share.Out()
+        << share.Err();
+    const auto start = std::chrono::steady_clock::now();
+    share.Signal(SIGINT);
+    // Two signals sent before the first is taken would arrive as one.
+    ASSERT_TRUE(share.WaitForLine([](const std::string& line) {
+        return line.rfind("cancelling", 0) == 0;
+    })) << share.Out()
+        << share.Err();
+    share.Signal(SIGINT);
+    EXPECT_EQ(share.Wait(), 130);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_NE(share.Err().find("interrupted"), std::string::npos) << share.Err();
+    EXPECT_TRUE(LinkIn(share.Out()).empty()) << share.Out();
+}
+
 }  // namespace
 }  // namespace hosttest

@@ -87,5 +87,26 @@ TEST_F(HostShare, ANewLinkIsASecondLink) {
     EXPECT_NE(preset->find("\"file_extension\":\"webm\""), std::string::npos) << *preset;
 }
 
+TEST_F(HostShare, TheFolderMayBeTheProjectsRootFolderByItsName) {
+    StartSignedInWorld();
+    WriteProject({{"Cut 1", Clip(2), 2}});
+    // The root folder is named after its project.
+    const auto run =
+        ChildProcess::Run({Executable(), "share", "--project", ProjectPath().string(), "--sequence",
+                           "Cut 1", "--folder", "Studio/Editors/Alpha/Alpha"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(Stored("Cut 1", "UploadFolderGuid"), root);
+    EXPECT_EQ(Stored("Cut 1", "UploadFolderPath"), "Studio/Editors/Alpha");
+    EXPECT_EQ(ChildCount(root), 2u);  // "Reviews" and the new version stack
+
+    const auto project =
+        ChildProcess::Run({Executable(), "share", "--project", ProjectPath().string(), "--sequence",
+                           "Cut 1", "--folder", "Studio/Editors/Alpha"});
+    EXPECT_EQ(project.exitCode, 1);
+    EXPECT_NE(project.err.find("--folder needs ACCOUNT/WORKSPACE/PROJECT/FOLDER"),
+              std::string::npos)
+        << project.err;
+}
+
 }  // namespace
 }  // namespace hosttest

@@ -83,20 +83,20 @@ std::filesystem::path HostShareFixture::Clip(double seconds) {
     return path;
 }
 
-std::filesystem::path HostShareFixture::WriteProject(const std::vector<SequenceSpec>& sequences) {
+std::filesystem::path HostShareFixture::WriteProject(const std::vector<SequenceEntry>& sequences) {
     json::array list;
-    for (const SequenceSpec& spec : sequences) {
+    for (const SequenceEntry& entry : sequences) {
         const std::string relative =
-            std::filesystem::relative(spec.clip, ProjectPath().parent_path()).string();
+            std::filesystem::relative(entry.clip, ProjectPath().parent_path()).string();
         list.push_back(json::object{
             // A fixed id per place, fewer than ten sequences per test.
             {"id", "0f8b6c2e-5d41-4a7e-9c3b-00000000000" + std::to_string(list.size())},
-            {"name", spec.name},
+            {"name", entry.name},
             {"width", 320},
             {"height", 240},
             {"frameRate", 25},
             {"clips",
-             json::array{json::object{{"path", relative}, {"in", 0}, {"out", spec.seconds}}}},
+             json::array{json::object{{"path", relative}, {"in", 0}, {"out", entry.seconds}}}},
             {"settings", json::object{}}});
     }
     const json::object document{

@@ -24,7 +24,7 @@ namespace hosttest {
 
 class HostShareFixture : public testsupport::SignInServiceFixture {
 protected:
-    struct SequenceSpec {
+    struct SequenceEntry {
         std::string name;
         std::filesystem::path clip;
         double seconds = 3.0;
@@ -39,8 +39,8 @@ protected:
 
     /// A 320x240 test clip with sound, `seconds` long, made once per length.
     std::filesystem::path Clip(double seconds);
-    /// Writes project.json with one sequence per spec (clip paths relative to the file).
-    std::filesystem::path WriteProject(const std::vector<SequenceSpec>& sequences);
+    /// Writes project.json with one sequence per entry (clip paths relative to the file).
+    std::filesystem::path WriteProject(const std::vector<SequenceEntry>& sequences);
     std::filesystem::path ProjectPath() const { return directory.Path() / "work" / "project.json"; }
     /// Edits the sequence `name` in the file as an editor would: its clip now ends at `out`; its
     /// stored settings stay.
