@@ -56,14 +56,21 @@ TEST_F(ViewModelServiceTest, AStoredTokenMovesOnFromTheSignInPromptWithoutAClick
     TestBrowser browser({.username = kUser, .password = kPassword});
     vantroauth::SetBrowserOpener(browser.Opener());
     Open();
-    // The quiet sign-in has not answered yet when the open decides.
-    EXPECT_FALSE(viewModel->GetIsLoggedIn());
-    EXPECT_EQ(View(), ViewID::SigninPrompt);
+    // The quiet sign-in answers on the SDK's executor, so it may land before the open decides
+    // (straight to 4) or after it (9, then 4 without a click). Either way no browser is asked.
+    const bool decidedFirst = View() == ViewID::SigninPrompt;
+    if (!decidedFirst) {
+        EXPECT_EQ(View(), ViewID::ReviewInVantro);
+        EXPECT_TRUE(viewModel->GetIsLoggedIn());
+    }
     ASSERT_TRUE(PumpUntil([&] {
         return View() == ViewID::ReviewInVantro && viewModel->GetUser()->GetID() != Guid();
     }));
     Pump();
-    EXPECT_EQ(delivered, (std::vector<ViewID>{ViewID::SigninPrompt, ViewID::ReviewInVantro}));
+    EXPECT_EQ(delivered, decidedFirst
+                             ? (std::vector<ViewID>{ViewID::SigninPrompt, ViewID::ReviewInVantro})
+                             : (std::vector<ViewID>{ViewID::ReviewInVantro}));
+    EXPECT_TRUE(viewModel->GetIsLoggedIn());
     EXPECT_TRUE(browser.Visits().empty()) << "a stored token needs no browser";
 }
 
