@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include <kelcore/debug/DebugDatabase.h>
 #include <kelcore/string/String.h>
 #include <kelcore/threads/MainThread.h>
 #include <kelcore/utility/Keychain.h>
@@ -79,6 +80,14 @@ std::optional<std::string> CloudSession::SignInQuietly(
     const auto userBinding = viewModel->AddUserBinding([](const auto&) {});
     if (asPanel) {
         viewModel->StartShareForReviewPopup();
+        // The older back end has no quiet sign-in: the panel opens on its sign-in prompt, whose
+        // button fetches the user with the stored token, no browser needed.
+        const bool olderBackEnd = !kelcore::debug::DebugDatabase::Instance().GetBoolEntry(
+            "VantroNative.UseVantroCppSdk", true);
+        if (olderBackEnd &&
+            viewModel->GetCurrentViewID() == vantrokelui::ShareForReviewViewID::SigninPrompt) {
+            viewModel->Login();
+        }
     } else {
         viewModel->Login();
     }

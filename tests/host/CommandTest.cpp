@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "host/support/HostShareFixture.h"
+#include "support/ScopedEnvironmentVariable.h"
 
 namespace hosttest {
 namespace {
@@ -30,6 +31,17 @@ TEST_F(HostCommands, ListsEachLevelOfTheTreeAndNamesAnUnknownPart) {
     const auto account = RunHost({"ls", "Studios"});
     EXPECT_EQ(account.exitCode, 1);
     EXPECT_NE(account.err.find("no account named \"Studios\""), std::string::npos) << account.err;
+}
+
+TEST_F(HostCommands, TheOlderBackEndSignsInWithTheStoredTokenAndListsTheTree) {
+    StartSignedInWorld();
+    const testsupport::ScopedEnvironmentVariable olderBackEnd(
+        "KELDEBUG_VantroNative_UseVantroCppSdk", "false");
+
+    const auto accounts = RunHost({"ls"});
+    ASSERT_EQ(accounts.exitCode, 0) << accounts.err;
+    EXPECT_EQ(accounts.out, "Studio\n");
+    EXPECT_EQ(RunHost({"ls", "Studio/Editors/Alpha"}).out, "Reviews/\n");
 }
 
 TEST_F(HostCommands, WithoutASignInShareAndListSaySoAndStatusTellsWhereItLooked) {
