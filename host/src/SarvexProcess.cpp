@@ -109,11 +109,8 @@ SarvexProcess::SarvexProcess(const std::filesystem::path& executable,
         throw SarvexError("sarvex (" + executable.string() +
                           ") exited before it listened; see its messages above");
     }
-    drain = std::thread([fd = output] {
-        std::string ignored;
-        while (ReadLine(fd, ignored)) {
-        }
-    });
+    ::close(output);
+    output = -1;
 }
 
 SarvexProcess::~SarvexProcess() {
@@ -127,9 +124,6 @@ void SarvexProcess::Stop() {
         while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
         }
         child = -1;
-    }
-    if (drain.joinable()) {
-        drain.join();
     }
     if (output >= 0) {
         ::close(output);

@@ -3,8 +3,9 @@
 // the host, which cancels through the library, and not the encoder), ready once it has printed
 // `listening on <path>`. Stopped with SIGTERM and waited for when the object goes.
 //
-// Owned by the host's main function; main thread. A thread of its own drains what sarvex prints
-// afterwards so that it never blocks on a full pipe.
+// Owned by the host's main function; main thread. `serve` prints nothing to its output after
+// that line, so the pipe is closed once it has come: no thread is left to drain it, and nothing
+// is left unjoined when a second Ctrl-C ends the process at once.
 //
 //   SarvexProcess sarvex("/usr/bin/sarvex");   // throws SarvexError when it does not start
 //   auto connection = SarvexConnection::Connect(sarvex.SocketPath(), ...);
@@ -14,7 +15,6 @@
 
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace vantroshare {
@@ -39,7 +39,6 @@ private:
     std::string socketPath;
     pid_t child = -1;
     int output = -1;
-    std::thread drain;
 };
 
 }  // namespace vantroshare
