@@ -1,6 +1,7 @@
 // sarvex, the encoding application: `serve` runs the render queue behind a Unix socket,
 // `render` renders one sequence and exits, `presets` lists the presets it knows.
 #include <signal.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -232,6 +233,11 @@ int main(int argc, char** argv) {
                      "render lasts about as long as the sequence; 'normal' otherwise")
         ->check(CLI::IsMember({"normal", "realtime"}));
 
+    bool exitWithParent = false;
+    serve->add_flag("--exit-with-parent", exitWithParent,
+                    "End (as on SIGTERM) when the process that started sarvex ends; for hosts "
+                    "that run a private sarvex");
+
     std::string sequencePath, presetPath, outputPath;
     auto* render = app.add_subcommand("render", "Render one sequence file and exit");
     render->add_option("--sequence", sequencePath, "The sequence, a JSON file")->required();
@@ -246,6 +252,11 @@ int main(int argc, char** argv) {
     presets->add_option("--dir", listDirectory, "The presets' folder");
 
     CLI11_PARSE(app, argc, argv);
+    // SIGTERM is what serve answers by cancelling every job and leaving cleanly.
+    if (*serve && exitWithParent && ::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0) {
+        std::cerr << "sarvex: cannot follow the parent process" << std::endl;
+        return 1;
+    }
     if (*serve)
         return Serve(socketPath, jobs, presetDirectory, pace == "realtime");
     if (*render)

@@ -58,9 +58,8 @@ void MainLoop::WatchSignals() {
             queue->Post([] {});
             continue;
         }
-        if (const pid_t child = childToStop.load(); child > 0) {
-            ::kill(child, SIGTERM);
-        }
+        // A private sarvex ends with this process (--exit-with-parent). Stopping it here would
+        // end threads that wait on it just before the exit, leaving them unjoined.
         static constexpr char kMessage[] = "\nvantro-share: interrupted\n";
         (void)!::write(STDERR_FILENO, kMessage, sizeof(kMessage) - 1);
         ::_exit(kInterruptedExitCode);

@@ -2,7 +2,7 @@
 // dispatcher and pumps it, blocking while nothing is queued, until a condition holds. Ctrl-C
 // (SIGINT) and SIGTERM are taken by a thread of their own with sigwait: while the loop is
 // cancellable the first one only raises Interrupted() and wakes the loop, and a second ends the
-// process at once (after stopping the child registered with it); otherwise the first one ends it.
+// process at once; otherwise the first one ends it.
 //
 // One per process, made first thing in main (before any thread starts, so that every thread
 // inherits the blocked signals). The loop runs on the main thread; Interrupted is any thread.
@@ -43,8 +43,6 @@ public:
     /// Whether the first Ctrl-C only asks to cancel. Any thread.
     void SetCancellable(bool cancellable);
     bool Interrupted() const { return interrupted.load(); }
-    /// A process to stop with SIGTERM when a second Ctrl-C ends this one; -1 for none.
-    void SetChildToStop(pid_t child) { childToStop.store(child); }
 
 private:
     void WatchSignals();
@@ -52,7 +50,6 @@ private:
     std::shared_ptr<kelcore::threads::MainThreadQueue> queue;
     std::atomic<bool> cancellable{false};
     std::atomic<bool> interrupted{false};
-    std::atomic<pid_t> childToStop{-1};
     std::thread watcher;
 };
 

@@ -55,7 +55,8 @@ SarvexProcess::SarvexProcess(const std::filesystem::path& executable,
                              const std::vector<std::string>& extraArguments) {
     directory = MakePrivateDirectory();
     socketPath = (directory / "sarvex.sock").string();
-    std::vector<std::string> arguments{executable.string(), "serve", "--socket", socketPath};
+    std::vector<std::string> arguments{executable.string(), "serve", "--socket", socketPath,
+                                       "--exit-with-parent"};
     arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
     std::vector<char*> argv;
     for (std::string& argument : arguments) {

@@ -126,7 +126,6 @@ int ShareCommand::Run() {
         if (socket.empty()) {
             sarvex = std::make_unique<SarvexProcess>(options.sarvexProgram);
             socket = sarvex->SocketPath();
-            loop.SetChildToStop(sarvex->Pid());
         }
         host->AttachSarvex(socket);
     } catch (const std::exception& error) {
