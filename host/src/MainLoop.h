@@ -12,8 +12,6 @@
 //   loop.RunUntil([&] { return done || loop.Interrupted(); }, std::chrono::minutes(1));
 #pragma once
 
-#include <sys/types.h>
-
 #include <atomic>
 #include <chrono>
 #include <functional>

@@ -30,7 +30,6 @@ public:
     SarvexProcess& operator=(const SarvexProcess&) = delete;
 
     const std::string& SocketPath() const { return socketPath; }
-    pid_t Pid() const { return child; }
 
 private:
     void Stop();
