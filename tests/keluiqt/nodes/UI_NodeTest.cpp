@@ -79,16 +79,20 @@ TEST(UI_Node, FindsDescendantsByID) {
     EXPECT_EQ(leaf->UI_GetRootNode(), root);
 }
 
-TEST(UI_Node, ViewVisibilityNeedsEveryAncestorShown) {
+TEST(UI_Node, ViewVisibilityIsTheNodesOwnWhileShownInTreeAsksEveryAncestor) {
     auto root = Make<UI_SubView>();
     auto child = Make<UI_SubView>();
     root->ChildPushBack(child);
     child->UI_Show(true);
-    EXPECT_FALSE(child->UI_IsViewVisible());
-    root->UI_Show(true);
     EXPECT_TRUE(child->UI_IsViewVisible());
+    EXPECT_FALSE(child->UI_IsShownInTree());
+    root->UI_Show(true);
+    EXPECT_TRUE(child->UI_IsShownInTree());
+    EXPECT_TRUE(child->GetWidget()->isVisibleTo(root->GetWidget()));
     child->UI_Hide(true);
     EXPECT_FALSE(child->UI_IsShown());
+    EXPECT_FALSE(child->UI_IsViewVisible());
+    EXPECT_FALSE(child->GetWidget()->isVisibleTo(root->GetWidget()));
 }
 
 TEST(UI_Node, SizeChangedRunsOnlyWhenTheSizeChanges) {

@@ -31,6 +31,11 @@ bool NodeEventBridge::eventFilter(QObject* watched, QEvent* event) {
     if (watched != node.GetWidget()) {
         return false;
     }
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) {
+        // A host's widget is placed by the host's layouts: its node follows.
+        node.SyncRectFromWrappedWidget();
+        return false;
+    }
     PointerEvent::Action action = PointerEvent::kNone;
     int button = 0;
     QPointF position;

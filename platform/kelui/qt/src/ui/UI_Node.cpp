@@ -200,6 +200,19 @@ void UI_Node::ApplyGeometry() {
     }
 }
 
+void UI_Node::SyncRectFromWrappedWidget() {
+    QWidget* widget = GetWidget();
+    if (holder->owned || !widget) {
+        return;
+    }
+    const RectT<float> rect = FromQRectF(QRectF(widget->geometry()));
+    const bool sizeChanged = rect.width != localRect.width || rect.height != localRect.height;
+    localRect = rect;
+    if (sizeChanged) {
+        UI_SizeChanged(rect);
+    }
+}
+
 RectT<float> UI_Node::UI_LocalToGlobalF(const RectT<float>& rect) const {
     const PointT<float> origin = UI_LocalToGlobalF(PointT<float>{rect.x, rect.y});
     return {origin.x, origin.y, rect.width, rect.height};
@@ -257,7 +270,7 @@ void UI_Node::ApplyVisibility() {
     }
 }
 
-bool UI_Node::UI_IsViewVisible() const {
+bool UI_Node::UI_IsShownInTree() const {
     for (const UI_Node* node = this; node; node = node->parent) {
         if (!node->shown) {
             return false;

@@ -107,8 +107,11 @@ public:
     virtual void UI_Hide(bool hide);
     /// Whether the node itself is set to be shown.
     bool UI_IsShown() const { return shown; }
+    /// Whether the view takes part in layout: it is set to be shown. Whether its parents or its
+    /// window are on screen is not asked, so a stack can be measured before its window opens.
+    bool UI_IsViewVisible() const { return shown; }
     /// Whether the node and every node above it are set to be shown.
-    bool UI_IsViewVisible() const;
+    bool UI_IsShownInTree() const;
     void UI_SetEnabled(bool enabled);
     void UI_SetDisabled(bool disabled) { UI_SetEnabled(!disabled); }
     bool UI_IsEnabled() const;
@@ -142,6 +145,9 @@ public:
     void UI_SetToolTip(kelcore::string::string_view text, float width);
     kelcore::string::string UI_GetToolTip() const;
     float UI_GetToolTipWidth() const { return toolTipWidth; }
+    /// Lives exactly as long as the node: what UI_WeakNodePtr watches.
+    std::weak_ptr<void> GetLifetimeToken() const { return lifetimeToken; }
+
     /// The name that screen readers announce for this node.
     void SetAccessibleName(kelcore::string::string_view name);
 
@@ -159,6 +165,8 @@ protected:
     /// The widget that children's widgets go into: the node's own widget, unless a control
     /// keeps its children inside a part of itself (a scroll area's viewport, a window's body).
     virtual QWidget* GetChildWidgetParent() const;
+    /// For a node over someone else's widget: takes the widget's geometry as the rectangle.
+    void SyncRectFromWrappedWidget();
     /// The node's widget was painted: draws UI_Draw through a painting limner.
     void PaintWidget(QWidget& widget);
 
@@ -187,6 +195,7 @@ private:
     };
     std::vector<MouseFunctionEntry> mouseFunctions;
     float toolTipWidth = 0.0f;
+    std::shared_ptr<void> lifetimeToken = std::make_shared<char>();
 };
 
 /// Casts a node pointer to `T`; null when the node is not a `T`.
