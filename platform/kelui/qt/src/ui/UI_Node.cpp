@@ -23,6 +23,9 @@ using kelcore::geom::RectT;
 struct UI_Node::WidgetHolder {
     QPointer<QWidget> widget;
     bool owned = true;
+    // The parent widget this node's widget was put into; a destructor cannot ask the parent's
+    // virtual GetChildWidgetParent any more, so detaching compares with this.
+    QPointer<QWidget> attachedTo;
 };
 
 UI_Node::UI_Node() : UI_Node(static_cast<QWidget*>(nullptr)) {}
@@ -141,6 +144,7 @@ void UI_Node::AttachChildWidget(UI_Node& child) {
         return;
     }
     childWidget->setParent(widget);
+    child.holder->attachedTo = widget;
     child.ApplyGeometry();
     child.ApplyVisibility();
     // Keep the widgets' stacking and focus order that of the child list.
@@ -158,7 +162,10 @@ void UI_Node::AttachChildWidget(UI_Node& child) {
 
 void UI_Node::DetachChildWidget(UI_Node& child) {
     QWidget* childWidget = child.GetWidget();
-    if (childWidget && child.holder->owned && childWidget->parentWidget() == GetChildWidgetParent()) {
+    QWidget* attachedTo = child.holder->attachedTo.data();
+    child.holder->attachedTo = nullptr;
+    if (childWidget && child.holder->owned && attachedTo &&
+        childWidget->parentWidget() == attachedTo) {
         childWidget->hide();
         childWidget->setParent(nullptr);
     }
