@@ -14,5 +14,7 @@ enum class ToastType : std::int32_t {
 
 /// The priority of an ordinary toast; a higher one is shown before it.
 inline constexpr std::int32_t kToastManager_DefaultPriority = 50;
+/// How long an ordinary notice ("Copied") stays, in seconds.
+inline constexpr double kToastManager_DefaultDurationInSeconds = 4.0;
 
 }  // namespace kelui::sharedui

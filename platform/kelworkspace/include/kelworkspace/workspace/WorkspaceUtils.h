@@ -4,7 +4,13 @@
 
 #include <memory>
 
+#include <boost/intrusive_ptr.hpp>
+
 #include <kelworkspace/workspace/TopLevelWindow.h>
+
+namespace kelui::ui {
+class UI_Node;
+}
 
 namespace kelworkspace::workspace {
 
@@ -12,6 +18,9 @@ class WorkspaceUtils {
 public:
     /// The registered main window when it lives and is a TopLevelWindow; null otherwise.
     static std::shared_ptr<TopLevelWindow> FindMainTopLevelWindow();
+    /// The main window as a toolkit node, the parent of modal dialogs; null without a main
+    /// window on Qt. Defined by the Qt side (kelworkspaceqt), main thread.
+    static boost::intrusive_ptr<kelui::ui::UI_Node> GetModalDialogParentNode();
 };
 
 }  // namespace kelworkspace::workspace
