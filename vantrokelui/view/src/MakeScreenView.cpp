@@ -1,14 +1,18 @@
 #include <vantrokelui/view/MakeScreenView.h>
 
+#include <vantrokelui/view/ReviewInVantroView.h>
+
 namespace vantrokelui::view {
 
 boost::intrusive_ptr<kelui::ui::UI_SubView> MakeScreenView(
-    ShareForReviewViewID id, const std::shared_ptr<viewmodel::ShareForReviewViewModel>& /*viewModel*/) {
+    ShareForReviewViewID id, const std::shared_ptr<viewmodel::ShareForReviewViewModel>& viewModel) {
+    using View = boost::intrusive_ptr<kelui::ui::UI_SubView>;
     switch (id) {
+    case ShareForReviewViewID::ReviewInVantro:
+        return View(new ReviewInVantroView(viewModel));
     case ShareForReviewViewID::DebugView:
     case ShareForReviewViewID::SelectProject:
     case ShareForReviewViewID::SelectFolder:
-    case ShareForReviewViewID::ReviewInVantro:
     case ShareForReviewViewID::NoAssetProcessor:
     case ShareForReviewViewID::NoAsset:
     case ShareForReviewViewID::Offline:
@@ -19,7 +23,7 @@ boost::intrusive_ptr<kelui::ui::UI_SubView> MakeScreenView(
     case ShareForReviewViewID::EncodingProgress:
     case ShareForReviewViewID::UploadProgress:
         // The screens' own views replace these empty ones as they are built.
-        return boost::intrusive_ptr<kelui::ui::UI_SubView>(new kelui::ui::UI_SubView);
+        return View(new kelui::ui::UI_SubView);
     case ShareForReviewViewID::None:
         break;
     }

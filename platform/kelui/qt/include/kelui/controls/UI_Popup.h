@@ -38,11 +38,12 @@ class UI_Popup : public UI_ControlView {
 public:
     using MenuCallback = std::function<void(UI_Popup&)>;
 
-    /// How UI_GetRecommendedSize chooses the width.
+    /// How UI_GetRecommendedSize chooses the width. 2, measuring every item, is what the panel
+    /// passes for its preset picker.
     enum PickerMeasureStrategy : std::uint32_t {
-        kMeasureWidestItem = 0,  ///< wide enough for every item
+        kMeasureGivenWidth = 0,  ///< the present width, when it has one
         kMeasureChosenItem = 1,  ///< wide enough for the chosen item
-        kMeasureGivenWidth = 2,  ///< the present width, when it has one
+        kMeasureWidestItem = 2,  ///< wide enough for every item
     };
     /// The chrome that draws no box: only the content, with a hover background.
     static constexpr std::uint32_t kChromeBorderless = 10;
