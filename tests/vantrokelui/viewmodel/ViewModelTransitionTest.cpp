@@ -9,9 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <kelappsupport/analytics/UsageEventsCapturedForTesting.h>
 #include <vantrokelui/model/SequenceSettings.h>
-#include <vantrokelui/utility/SDMLogging.h>
 
 #include "ViewModelFixture.h"
 #include "vantrokelui/support/RecordingToastManager.h"
@@ -30,40 +28,10 @@ protected:
         viewModel->SetCurrentViewID(source);
         ASSERT_EQ(View(), source);
     }
-    /// A section's click that carries a target view (the popup's section handler).
-    void ClickSectionWithTarget(ViewID target) {
-        if (target == ViewID::SelectProject || target == ViewID::SelectFolder) {
-            utility::SDMLogging::LogLocationPickerOpened(!viewModel->GetCreateNewLinkMode());
-        }
-        viewModel->SetCurrentViewID(target);
-    }
 };
 
-class ViewModelTransitionFromTest : public ViewModelTransitionTest,
-                                    public ::testing::WithParamInterface<ViewID> {};
-
-// 4, 10 -> 2 or 3: the usage event goes first, with the negation of the new-link mode.
-TEST_P(ViewModelTransitionFromTest, ASectionClickOpensThePickerAfterItsUsageEvent) {
-    for (const ViewID target : {ViewID::SelectProject, ViewID::SelectFolder}) {
-        for (const bool newLink : {false, true}) {
-            Reach(GetParam());
-            viewModel->SetCreateNewLinkMode(newLink);
-            kelappsupport::analytics::UsageEventsCapturedForTesting events;
-            ClickSectionWithTarget(target);
-            EXPECT_EQ(View(), target);
-            const auto sent = events.Events();
-            ASSERT_EQ(sent.size(), 1u);
-            EXPECT_EQ(sent[0].GetSubtype(), "vantro-location-picker");
-            ASSERT_EQ(sent[0].GetFields().size(), 1u);
-            EXPECT_EQ(sent[0].GetFields()[0].value,
-                      newLink ? "click:update-share-view" : "click:first-time-share-view");
-            viewModel->SetCurrentViewID(ViewID::None);
-        }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(ShareAndLink, ViewModelTransitionFromTest,
-                         ::testing::Values(ViewID::ReviewInVantro, ViewID::CopyLinkSection));
+// The location click of the share panel, with its usage event, is the real screen's: see
+// tests/vantrokelui_ui/panel (ReviewInVantroViewTest).
 
 TEST_F(ViewModelTransitionTest, AProjectRowLeadsFromTheProjectStepToTheFolderStep) {
     Reach(ViewID::SelectProject);
