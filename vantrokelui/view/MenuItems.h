@@ -12,7 +12,8 @@
 namespace vantrokelui::view {
 
 /// "Create new link": starts a new review link on the next share.
-MenuItem MakeCreateNewLinkItem(const std::shared_ptr<viewmodel::ShareForReviewViewModel>& viewModel);
+MenuItem MakeCreateNewLinkItem(
+    const std::shared_ptr<viewmodel::ShareForReviewViewModel>& viewModel);
 /// "Sign out of Vantro": enabled only while online and signed in, as they are when the item is
 /// made.
 MenuItem MakeSignOutItem(const std::shared_ptr<viewmodel::ShareForReviewViewModel>& viewModel);

@@ -4,7 +4,8 @@
 // menu is showing. A screen lives exactly as long as it is shown. Main thread.
 //
 //   SetClickNavigation(locationButton, ShareForReviewViewID::SelectProject);
-//   auto label = new WorkflowLabel(icon, GetPreShowMenuFunction(), GetPostShowMenuFunction(), items);
+//   auto label = new WorkflowLabel(icon, GetPreShowMenuFunction(), GetPostShowMenuFunction(),
+//   items);
 #pragma once
 
 #include <functional>

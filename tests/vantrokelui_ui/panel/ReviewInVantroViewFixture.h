@@ -7,10 +7,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -261,8 +261,7 @@ protected:
     /// handed to the back end as a sign-in would.
     void SignInWithStorage(std::uint64_t storageUsed, std::uint64_t storageLimit) {
         const auto executor = kelcore::threads::GetIOBoundExecutor();
-        transport =
-            std::make_shared<AccountStorageTransport>(executor, storageUsed, storageLimit);
+        transport = std::make_shared<AccountStorageTransport>(executor, storageUsed, storageLimit);
         vantrosdk::VantroConfig config("vantrokelui-desktop");
         config.SetEndpoint({.apiBase = "http://service.invalid"});
         config.SetTransport(transport);

@@ -31,12 +31,12 @@ enum class ScreenState { NoLocation, Chosen, NewLink };
 
 std::string Name(ScreenState state) {
     switch (state) {
-    case ScreenState::NoLocation:
-        return "no-location";
-    case ScreenState::Chosen:
-        return "chosen";
-    case ScreenState::NewLink:
-        return "new-link";
+        case ScreenState::NoLocation:
+            return "no-location";
+        case ScreenState::Chosen:
+            return "chosen";
+        case ScreenState::NewLink:
+            return "new-link";
     }
     return "unknown";
 }
@@ -114,8 +114,8 @@ TEST_P(ReviewInVantroViewScreenshotTest, TheScreenInsideThePopupsSection) {
     widget->render(&image);
 
     const std::string file = "review-in-vantro-" + Name(state) + "-" +
-                             std::string(dark ? "dark" : "light") + "@" +
-                             std::to_string(ratio) + "x.png";
+                             std::string(dark ? "dark" : "light") + "@" + std::to_string(ratio) +
+                             "x.png";
     const auto directory = std::filesystem::path(VANTRO_TEST_OUTPUT_DIR) / "screenshots";
     std::filesystem::create_directories(directory);
     ASSERT_TRUE(image.save(QString::fromStdString((directory / file).string())));
@@ -127,8 +127,7 @@ TEST_P(ReviewInVantroViewScreenshotTest, TheScreenInsideThePopupsSection) {
     // The section (at 1, 1 inside the main view) is filled with palette gray 1; the bottom
     // margin under the Share button holds nothing else.
     const auto theme = main->UI_GetDrawSupplier()->GetTheme();
-    const QRgb background =
-        kelui::ui::ToQColor(kelui::skins::GetPaletteGrayColor(theme, 1)).rgb();
+    const QRgb background = kelui::ui::ToQColor(kelui::skins::GetPaletteGrayColor(theme, 1)).rgb();
     const auto share = screen->GetShareButton()->UI_GetLocalRectF();
     const int marginTop = static_cast<int>(share.y + share.height) + 2;
     for (int y = marginTop; y < static_cast<int>(size.y) - 2; ++y) {
@@ -155,12 +154,12 @@ std::string ParamName(
            std::to_string(std::get<2>(param.param));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    StatesLightAndDark, ReviewInVantroViewScreenshotTest,
-    ::testing::Combine(::testing::Values(ScreenState::NoLocation, ScreenState::Chosen,
-                                         ScreenState::NewLink),
-                       ::testing::Bool(), ::testing::Values(1, 2)),
-    ParamName);
+INSTANTIATE_TEST_SUITE_P(StatesLightAndDark, ReviewInVantroViewScreenshotTest,
+                         ::testing::Combine(::testing::Values(ScreenState::NoLocation,
+                                                              ScreenState::Chosen,
+                                                              ScreenState::NewLink),
+                                            ::testing::Bool(), ::testing::Values(1, 2)),
+                         ParamName);
 
 }  // namespace
 }  // namespace vantrokelui::view::testing

@@ -146,8 +146,9 @@ TEST_F(ReviewInVantroViewTest, AChosenLocationShowsThePathCutWithTheWholePathInT
     ChooseFolder(tree);
     MakeView();
     const string path = tree.user->GetSelectionPath();
-    ASSERT_EQ(path, u"Studio North of the Riverside Production Company/Editors and "
-                    u"Colourists/Spring Campaign 2024/Client reviews, second round");
+    ASSERT_EQ(path,
+              u"Studio North of the Riverside Production Company/Editors and "
+              u"Colourists/Spring Campaign 2024/Client reviews, second round");
 
     const auto& link = view->GetLocationButton();
     EXPECT_EQ(link->GetText(), path);
@@ -399,8 +400,7 @@ TEST_F(ReviewInVantroViewTest, AnAccountWithinItsLimitWritesThePresetAndStartsTh
     ASSERT_EQ(transport->Urls().size(), 1u);
     EXPECT_EQ(transport->Urls()[0], "http://service.invalid/v2/accounts/" + account.AsString());
     EXPECT_EQ(Stored(model::kSelectedEncoderPresetKey),
-              model::FormatEncoderPresetJSON(
-                  {u"H.264 1080p", u"/presets/h264-1080.epr", u"mp4"}));
+              model::FormatEncoderPresetJSON({u"H.264 1080p", u"/presets/h264-1080.epr", u"mp4"}));
     const auto renders = Renders();
     ASSERT_EQ(renders.size(), 1u);
     EXPECT_EQ(renders[0].presetPath, u"/presets/h264-1080.epr");
@@ -427,10 +427,10 @@ TEST_F(ReviewInVantroViewTest, AnEmptyPresetListGivesAnEmptyPopupAndShareStillCh
     ChooseFolder(tree);
     StoreEarlierShare(tree);
     // An earlier share's preset stays with the sequence and carries this one.
-    model::SetSequenceString(host->SetSequenceValueFn(), guids.projectGuid, guids.sequenceGuid,
-                             model::kSelectedEncoderPresetKey,
-                             model::FormatEncoderPresetJSON(
-                                 {u"Stored", u"/presets/stored.epr", u"mp4"}));
+    model::SetSequenceString(
+        host->SetSequenceValueFn(), guids.projectGuid, guids.sequenceGuid,
+        model::kSelectedEncoderPresetKey,
+        model::FormatEncoderPresetJSON({u"Stored", u"/presets/stored.epr", u"mp4"}));
     SignInWithStorage(10, 100);
     MakeView();
     EXPECT_EQ(view->GetPresetPopup()->GetItemCount(), 0);
@@ -497,8 +497,7 @@ TEST_F(ReviewInVantroViewTest, TheLayoutFollowsTheColumnFromMeasuredSizes) {
               (RectT<float>{15, y2, label.x, label.y}));
     EXPECT_EQ(view->GetLocationButton()->UI_GetLocalRectF(),
               (RectT<float>{label.x + 17.0f, y2, 310.0f - label.x - 2.0f, label.y}));
-    EXPECT_EQ(view->GetPresetPopup()->UI_GetLocalRectF(),
-              (RectT<float>{15, y3, popup.x, popup.y}));
+    EXPECT_EQ(view->GetPresetPopup()->UI_GetLocalRectF(), (RectT<float>{15, y3, popup.x, popup.y}));
     // Share stands right-aligned on the popup's row, at the column's right edge.
     EXPECT_EQ(view->GetShareButton()->UI_GetLocalRectF(),
               (RectT<float>{325.0f - share.x, y3, share.x, share.y}));

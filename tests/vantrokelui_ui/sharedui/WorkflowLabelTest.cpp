@@ -34,8 +34,7 @@ protected:
     boost::intrusive_ptr<WorkflowLabel> MakeLabel(
         const std::shared_ptr<std::function<void(kelui::ui::ConstMessage*)>>& icon,
         std::vector<MenuItem> items) {
-        boost::intrusive_ptr<WorkflowLabel> label(
-            new WorkflowLabel(icon, nullptr, nullptr, items));
+        boost::intrusive_ptr<WorkflowLabel> label(new WorkflowLabel(icon, nullptr, nullptr, items));
         root->ChildPushBack(label);
         label->UI_Show(true);
         label->UI_SetLocalRectF({15.0f, 10.0f, 310.0f, 20.0f});
@@ -85,7 +84,8 @@ TEST_F(WorkflowLabelTest, ALabelWithoutAnIconShowsTheNameInItalicsEightBehindThe
     EXPECT_EQ(label->GetIconImage()->UI_GetLocalRectF(), (RectT<float>{x, 1.0f, 14.0f, 14.0f}));
     EXPECT_EQ(label->GetNameText()->UI_GetLocalRectF(),
               (RectT<float>{x, 2.5f, 310.0f - x - 26.0f, 14.0f}));
-    EXPECT_EQ(label->GetMenuPopup()->UI_GetLocalRectF(), (RectT<float>{292.0f, 1.0f, 18.0f, 18.0f}));
+    EXPECT_EQ(label->GetMenuPopup()->UI_GetLocalRectF(),
+              (RectT<float>{292.0f, 1.0f, 18.0f, 18.0f}));
 }
 
 TEST_F(WorkflowLabelTest, ALabelWithAnIconShowsTheNameTwentyEightBehindTheTitle) {
@@ -99,7 +99,8 @@ TEST_F(WorkflowLabelTest, ALabelWithAnIconShowsTheNameTwentyEightBehindTheTitle)
     // Without menu items the menu is hidden and the name runs 26 wider.
     EXPECT_FALSE(label->GetMenuPopup()->UI_IsShown());
     EXPECT_EQ(label->GetNameText()->UI_GetLocalRectF(), (RectT<float>{x, 2.5f, 310.0f - x, 14.0f}));
-    EXPECT_EQ(label->GetMenuPopup()->UI_GetLocalRectF(), (RectT<float>{292.0f, 1.0f, 18.0f, 18.0f}));
+    EXPECT_EQ(label->GetMenuPopup()->UI_GetLocalRectF(),
+              (RectT<float>{292.0f, 1.0f, 18.0f, 18.0f}));
 }
 
 TEST_F(WorkflowLabelTest, ATitleWiderThan155IsCutTo155AndTheIconStillStandsEightBehindIt) {
@@ -110,7 +111,8 @@ TEST_F(WorkflowLabelTest, ATitleWiderThan155IsCutTo155AndTheIconStillStandsEight
 
     auto label = MakeLabel(Icon(), {});
     EXPECT_EQ(label->GetTitleText()->UI_GetLocalRectF(), (RectT<float>{0.0f, 2.5f, 155.0f, 14.0f}));
-    EXPECT_EQ(label->GetIconImage()->UI_GetLocalRectF(), (RectT<float>{163.0f, 1.0f, 14.0f, 14.0f}));
+    EXPECT_EQ(label->GetIconImage()->UI_GetLocalRectF(),
+              (RectT<float>{163.0f, 1.0f, 14.0f, 14.0f}));
     EXPECT_EQ(label->GetNameText()->UI_GetLocalRectF().x, 183.0f);
 }
 

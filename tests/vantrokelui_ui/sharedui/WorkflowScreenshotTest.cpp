@@ -43,8 +43,9 @@ public:
         label->SetName(u"Sequence 01 \u2013 final grade with a long name");
         label->UI_Show(true);
         ChildPushBack(label);
-        text->SetText(u"Share a review link to the sequence. Reviewers can comment on every "
-                      u"frame, and a new version keeps the same link.");
+        text->SetText(
+            u"Share a review link to the sequence. Reviewers can comment on every "
+            u"frame, and a new version keeps the same link.");
         text->SetMultiLine(true);
         text->UI_Show(true);
         ChildPushBack(text);

@@ -170,7 +170,8 @@ TEST_F(ScreenManagerTest, AHeightChangeReachesTheHostOnlyThroughInvalidateParent
     EXPECT_EQ(workflow->layouts, layoutsBefore + 1);
     EXPECT_EQ(workflow->shows, showsBefore);
     const auto size = sharedui::GetRecommendedSize(workflow->sections[0]);
-    EXPECT_EQ(section.UI_GetLocalRectF(), (kelcore::geom::RectT<float>{0.0f, 0.0f, size.x, size.y}));
+    EXPECT_EQ(section.UI_GetLocalRectF(),
+              (kelcore::geom::RectT<float>{0.0f, 0.0f, size.x, size.y}));
 }
 
 TEST_F(ScreenManagerTest, ACommitSetsTheViewIDToZero) {

@@ -1,6 +1,14 @@
 #include <vantrokelui/view/MakeScreenView.h>
 
+#include <vantrokelui/view/CopyLinkSectionView.h>
+#include <vantrokelui/view/DebugView.h>
+#include <vantrokelui/view/EncodingProgressView.h>
+#include <vantrokelui/view/NoAssetProcessorView.h>
+#include <vantrokelui/view/NoAssetView.h>
+#include <vantrokelui/view/OfflineView.h>
 #include <vantrokelui/view/ReviewInVantroView.h>
+#include <vantrokelui/view/SigninView.h>
+#include <vantrokelui/view/StorageLimitExceededView.h>
 
 namespace vantrokelui::view {
 
@@ -8,24 +16,32 @@ boost::intrusive_ptr<kelui::ui::UI_SubView> MakeScreenView(
     ShareForReviewViewID id, const std::shared_ptr<viewmodel::ShareForReviewViewModel>& viewModel) {
     using View = boost::intrusive_ptr<kelui::ui::UI_SubView>;
     switch (id) {
-    case ShareForReviewViewID::ReviewInVantro:
-        return View(new ReviewInVantroView(viewModel));
-    case ShareForReviewViewID::DebugView:
-    case ShareForReviewViewID::SelectProject:
-    case ShareForReviewViewID::SelectFolder:
-    case ShareForReviewViewID::NoAssetProcessor:
-    case ShareForReviewViewID::NoAsset:
-    case ShareForReviewViewID::Offline:
-    case ShareForReviewViewID::StorageLimitExceeded:
-    case ShareForReviewViewID::SigninPrompt:
-    case ShareForReviewViewID::CopyLinkSection:
-    case ShareForReviewViewID::EncodingQueued:
-    case ShareForReviewViewID::EncodingProgress:
-    case ShareForReviewViewID::UploadProgress:
-        // The screens' own views replace these empty ones as they are built.
-        return View(new kelui::ui::UI_SubView);
-    case ShareForReviewViewID::None:
-        break;
+        case ShareForReviewViewID::ReviewInVantro:
+            return View(new ReviewInVantroView(viewModel));
+        case ShareForReviewViewID::CopyLinkSection:
+            return View(new CopyLinkSectionView(viewModel));
+        case ShareForReviewViewID::EncodingQueued:
+        case ShareForReviewViewID::EncodingProgress:
+        case ShareForReviewViewID::UploadProgress:
+            return View(new EncodingProgressView(viewModel));
+        case ShareForReviewViewID::DebugView:
+            return View(new DebugView(viewModel));
+        case ShareForReviewViewID::NoAssetProcessor:
+            return View(new NoAssetProcessorView(viewModel));
+        case ShareForReviewViewID::NoAsset:
+            return View(new NoAssetView(viewModel));
+        case ShareForReviewViewID::Offline:
+            return View(new OfflineView(viewModel));
+        case ShareForReviewViewID::StorageLimitExceeded:
+            return View(new StorageLimitExceededView(viewModel));
+        case ShareForReviewViewID::SigninPrompt:
+            return View(new SigninView(viewModel));
+        case ShareForReviewViewID::SelectProject:
+        case ShareForReviewViewID::SelectFolder:
+            // The location picker's view replaces this empty one when it is built.
+            return View(new kelui::ui::UI_SubView);
+        case ShareForReviewViewID::None:
+            break;
     }
     return nullptr;
 }

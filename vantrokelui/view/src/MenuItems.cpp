@@ -23,7 +23,8 @@ MenuItem MakeSignOutItem(const std::shared_ptr<ShareForReviewViewModel>& viewMod
                                                   &ShareForReviewViewModel::Logout);
     item.enabled = viewModel && viewModel->GetIsNetworkConnected() && viewModel->GetIsLoggedIn();
     item.label = kelcore::config::Localizer::Get().GetString(
-        "$$$/Corvane/vantrokelui/view/VantroShare/WorkflowLabel/SignOutOfVantro=Sign out of Vantro");
+        "$$$/Corvane/vantrokelui/view/VantroShare/WorkflowLabel/SignOutOfVantro=Sign out of "
+        "Vantro");
     return item;
 }
 

@@ -9,6 +9,7 @@
 #include <kelcore/config/Localizer.h>
 #include <kelui/ui/MouseEvent.h>
 #include <kelui/ui/UI_WeakNodePtr.h>
+#include <kelui/ui/WeakNodeFunction.h>
 #include <vantrokelui/model/EncoderPresetModel.h>
 #include <vantrokelui/model/ShareModel.h>
 #include <vantrokelui/nodes/VantroFolder.h>
@@ -41,20 +42,6 @@ constexpr std::uint32_t kPathTruncation = 3;
 
 string Localized(std::string_view key) {
     return kelcore::config::Localizer::Get().GetString(key);
-}
-
-// A member of the view as a function that holds the view weakly: deliveries and notifications
-// that come after the screen has gone do nothing. Safe inside the constructor (no reference is
-// taken until a call).
-template <class... Args>
-std::function<void(Args...)> BindToView(ReviewInVantroView* view,
-                                        void (ReviewInVantroView::*member)(Args...)) {
-    const kelui::ui::UI_WeakNodePtr<ReviewInVantroView> weakView(view);
-    return [weakView, member](Args... args) {
-        if (const auto locked = weakView.Lock()) {
-            ((*locked).*member)(std::forward<Args>(args)...);
-        }
-    };
 }
 
 }  // namespace
@@ -96,7 +83,7 @@ ReviewInVantroView::ReviewInVantroView(std::shared_ptr<ShareForReviewViewModel> 
 
     const std::shared_ptr<VantroUser> user = viewModel->GetUser();
     bindings.push_back(user->AddSelectionPathBinding(
-        BindToView(this, &ReviewInVantroView::OnLocationPathChanged)));
+        kelui::ui::WeakNodeFunction(this, &ReviewInVantroView::OnLocationPathChanged)));
 
     locationButton->SetTextTruncation(kPathTruncation);
     locationButton->UI_Show(true);
@@ -104,7 +91,8 @@ ReviewInVantroView::ReviewInVantroView(std::shared_ptr<ShareForReviewViewModel> 
     locationTarget = user->GetSelection() ? ShareForReviewViewID::SelectFolder
                                           : ShareForReviewViewID::SelectProject;
     SetClickNavigation(locationButton, locationTarget);
-    locationButton->NotifyWhenChanged(BindToView(this, &ReviewInVantroView::OnLocationActivated));
+    locationButton->NotifyWhenChanged(
+        kelui::ui::WeakNodeFunction(this, &ReviewInVantroView::OnLocationActivated));
 
     // Wide enough for the longest preset name, so that picking another never moves the popup.
     presetPopup->SetPickerMeasureStrategy(kelui::controls::UI_Popup::kMeasureWidestItem);
@@ -112,19 +100,21 @@ ReviewInVantroView::ReviewInVantroView(std::shared_ptr<ShareForReviewViewModel> 
     presetPopup->SetPreShowMenuCallback(GetPreShowMenuFunction());
     presetPopup->SetPostShowMenuCallback(GetPostShowMenuFunction());
     presetPopup->UI_Show(true);
-    presetPopup->NotifyWhenChanged(BindToView(this, &ReviewInVantroView::OnPresetPicked));
+    presetPopup->NotifyWhenChanged(
+        kelui::ui::WeakNodeFunction(this, &ReviewInVantroView::OnPresetPicked));
 
     // The list first, then the choice in it: deliveries keep the order of the binds.
     bindings.push_back(viewModel->AddEncoderPresetsBinding(
-        BindToView(this, &ReviewInVantroView::OnPresetsChanged)));
+        kelui::ui::WeakNodeFunction(this, &ReviewInVantroView::OnPresetsChanged)));
     bindings.push_back(viewModel->AddSelectedEncoderPresetBinding(
-        BindToView(this, &ReviewInVantroView::OnSelectedPresetChanged)));
+        kelui::ui::WeakNodeFunction(this, &ReviewInVantroView::OnSelectedPresetChanged)));
 
     shareButton->SetFontStyleName("Bold");
     shareButton->SetText(
         Localized("$$$/Corvane/vantrokelui/view/VantroShare/ReviewInVantroView/Share=Share"));
     shareButton->SetDisabled(false);
-    shareButton->NotifyWhenChanged(BindToView(this, &ReviewInVantroView::OnShareClicked));
+    shareButton->NotifyWhenChanged(
+        kelui::ui::WeakNodeFunction(this, &ReviewInVantroView::OnShareClicked));
     shareButton->UI_Show(true);
 
     ChildPushBack(workflowLabel);

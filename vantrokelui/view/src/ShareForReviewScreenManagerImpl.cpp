@@ -26,8 +26,9 @@ void ShareForReviewScreenManagerImpl::BindViewModel() {
     const auto self = WeakAs<ShareForReviewScreenManagerImpl>();
     bindings.push_back(viewModel->AddCurrentViewIDBinding(utility::WeakBindMemberFunction(
         self, &ShareForReviewScreenManagerImpl::OnCurrentViewIDChanged)));
-    bindings.push_back(viewModel->AddInvalidateParentForChildBinding(utility::WeakBindMemberFunction(
-        self, &ShareForReviewScreenManagerImpl::OnInvalidateParentForChild)));
+    bindings.push_back(
+        viewModel->AddInvalidateParentForChildBinding(utility::WeakBindMemberFunction(
+            self, &ShareForReviewScreenManagerImpl::OnInvalidateParentForChild)));
 }
 
 void ShareForReviewScreenManagerImpl::OnCurrentViewIDChanged(ShareForReviewViewID id) {

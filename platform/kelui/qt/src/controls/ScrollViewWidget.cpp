@@ -34,7 +34,9 @@ void ScrollViewWidget::WatchContentWidget(QWidget* widget) {
     }
 }
 
-void ScrollViewWidget::scrollContentsBy(int /*dx*/, int /*dy*/) { emit contentPlacementNeeded(); }
+void ScrollViewWidget::scrollContentsBy(int /*dx*/, int /*dy*/) {
+    emit contentPlacementNeeded();
+}
 
 void ScrollViewWidget::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);

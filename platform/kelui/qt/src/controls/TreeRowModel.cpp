@@ -16,14 +16,14 @@ namespace kelui::controls::detail {
 
 namespace {
 
-int ToInt(std::size_t value) { return static_cast<int>(value); }
+int ToInt(std::size_t value) {
+    return static_cast<int>(value);
+}
 
 }  // namespace
 
 TreeRowModel::TreeRowModel(TreeViewWidget& view)
-    : QAbstractItemModel(&view),
-      view(view),
-      root(new UI_TreeRow(*this, nullptr, 0.0f)) {
+    : QAbstractItemModel(&view), view(view), root(new UI_TreeRow(*this, nullptr, 0.0f)) {
     flushTimer.setSingleShot(true);
     flushTimer.setInterval(0);
     connect(&flushTimer, &QTimer::timeout, this, &TreeRowModel::FlushAppends);
@@ -58,7 +58,9 @@ int TreeRowModel::rowCount(const QModelIndex& parent) const {
     return ToInt(AnnouncedChildCount(parent.isValid() ? *RowOf(parent) : *root));
 }
 
-int TreeRowModel::columnCount(const QModelIndex& /*parent*/) const { return columns; }
+int TreeRowModel::columnCount(const QModelIndex& /*parent*/) const {
+    return columns;
+}
 
 QVariant TreeRowModel::data(const QModelIndex& index, int role) const {
     const UI_TreeRow* row = RowOf(index);
@@ -66,13 +68,13 @@ QVariant TreeRowModel::data(const QModelIndex& index, int role) const {
         return {};
     }
     switch (role) {
-    case Qt::DisplayRole:
-    case Qt::AccessibleTextRole:
-        return ui::ToQString(row->accessibleText);
-    case Qt::SizeHintRole:
-        return QSize(0, static_cast<int>(std::ceil(row->height)));
-    default:
-        return {};
+        case Qt::DisplayRole:
+        case Qt::AccessibleTextRole:
+            return ui::ToQString(row->accessibleText);
+        case Qt::SizeHintRole:
+            return QSize(0, static_cast<int>(std::ceil(row->height)));
+        default:
+            return {};
     }
 }
 

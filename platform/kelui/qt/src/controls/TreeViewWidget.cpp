@@ -62,13 +62,13 @@ void TreeViewWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& opti
     const QItemSelectionModel* selection = selectionModel();
     const bool selected = selection && selection->isRowSelected(index.row(), index.parent());
     const bool hovered = hoverRow.isValid() && hoverRow == index.siblingAtColumn(0);
-    const QColor selectedColor = ui::ToQColor(skins::GetPaletteGrayColor(
-        paintTheme, hasFocus() ? kSelectedFocusedGray : kSelectedGray));
+    const QColor selectedColor = ui::ToQColor(
+        skins::GetPaletteGrayColor(paintTheme, hasFocus() ? kSelectedFocusedGray : kSelectedGray));
     if (selected || hovered) {
         // Across the whole width, indentation included: the row reads as one band.
-        const QColor band =
-            selected ? selectedColor
-                     : ui::ToQColor(skins::GetPaletteGrayColor(paintTheme, kHoverGray));
+        const QColor band = selected
+                                ? selectedColor
+                                : ui::ToQColor(skins::GetPaletteGrayColor(paintTheme, kHoverGray));
         painter->fillRect(QRect(0, option.rect.y(), viewport()->width(), option.rect.height()),
                           band);
     }
@@ -80,14 +80,14 @@ void TreeViewWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& opti
 
 bool TreeViewWidget::viewportEvent(QEvent* event) {
     switch (event->type()) {
-    case QEvent::MouseMove:
-        SetHoverRow(indexAt(static_cast<QMouseEvent*>(event)->position().toPoint()));
-        break;
-    case QEvent::Leave:
-        SetHoverRow({});
-        break;
-    default:
-        break;
+        case QEvent::MouseMove:
+            SetHoverRow(indexAt(static_cast<QMouseEvent*>(event)->position().toPoint()));
+            break;
+        case QEvent::Leave:
+            SetHoverRow({});
+            break;
+        default:
+            break;
     }
     return QTreeView::viewportEvent(event);
 }

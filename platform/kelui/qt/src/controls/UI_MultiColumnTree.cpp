@@ -150,7 +150,9 @@ void UI_MultiColumnTree::Clear() {
     model->Clear();
 }
 
-std::size_t UI_MultiColumnTree::GetRowCount() const { return model->GetTotalRowCount(); }
+std::size_t UI_MultiColumnTree::GetRowCount() const {
+    return model->GetTotalRowCount();
+}
 
 std::vector<UI_TreeRow*> UI_MultiColumnTree::GetRootRows() const {
     return model->GetRoot().GetChildRows();

@@ -73,4 +73,8 @@ std::optional<limner::ColorRGBA> UI_ProgressBar::GetCustomThemeColor(std::uint32
     return found->second;
 }
 
+kelcore::geom::PointT<float> UI_ProgressBar::UI_GetRecommendedSize(limner::Limner& /*measuring*/) {
+    return {UI_GetLocalRectF().width, kBarHeight};
+}
+
 }  // namespace kelui::controls

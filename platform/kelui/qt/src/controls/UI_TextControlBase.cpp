@@ -30,8 +30,8 @@ void UI_TextControlBase::SetFontSize(float pixelSize) {
 }
 
 void UI_TextControlBase::SetTextTruncation(std::uint32_t value) {
-    truncation = value <= 3 ? static_cast<limner::TextTruncation>(value)
-                            : limner::TextTruncation::None;
+    truncation =
+        value <= 3 ? static_cast<limner::TextTruncation>(value) : limner::TextTruncation::None;
     TextFaceChanged();
 }
 

@@ -32,7 +32,9 @@ std::vector<UI_TreeRow*> UI_TreeRow::GetChildRows() const {
     return rows;
 }
 
-bool UI_TreeRow::IsOpen() const { return model.IsRowOpen(*this); }
+bool UI_TreeRow::IsOpen() const {
+    return model.IsRowOpen(*this);
+}
 
 void UI_TreeRow::SetAccessibleText(kelcore::string::string_view text) {
     if (text == accessibleText) {

@@ -60,26 +60,26 @@ QPainterPath ToQPainterPath(const Path& path) {
     QPainterPath qpath;
     for (const Path::Command& command : path.GetCommands()) {
         switch (command.type) {
-        case Path::CommandType::MoveTo:
-            qpath.moveTo(kelui::ui::ToQPointF(command.points[0]));
-            break;
-        case Path::CommandType::LineTo:
-            qpath.lineTo(kelui::ui::ToQPointF(command.points[0]));
-            break;
-        case Path::CommandType::CubicTo:
-            qpath.cubicTo(kelui::ui::ToQPointF(command.points[0]),
-                          kelui::ui::ToQPointF(command.points[1]),
-                          kelui::ui::ToQPointF(command.points[2]));
-            break;
-        case Path::CommandType::Close:
-            qpath.closeSubpath();
-            break;
-        case Path::CommandType::Rect:
-            qpath.addRect(ToQRectF(command.rect));
-            break;
-        case Path::CommandType::RoundedRect:
-            qpath.addRoundedRect(ToQRectF(command.rect), command.radius, command.radius);
-            break;
+            case Path::CommandType::MoveTo:
+                qpath.moveTo(kelui::ui::ToQPointF(command.points[0]));
+                break;
+            case Path::CommandType::LineTo:
+                qpath.lineTo(kelui::ui::ToQPointF(command.points[0]));
+                break;
+            case Path::CommandType::CubicTo:
+                qpath.cubicTo(kelui::ui::ToQPointF(command.points[0]),
+                              kelui::ui::ToQPointF(command.points[1]),
+                              kelui::ui::ToQPointF(command.points[2]));
+                break;
+            case Path::CommandType::Close:
+                qpath.closeSubpath();
+                break;
+            case Path::CommandType::Rect:
+                qpath.addRect(ToQRectF(command.rect));
+                break;
+            case Path::CommandType::RoundedRect:
+                qpath.addRoundedRect(ToQRectF(command.rect), command.radius, command.radius);
+                break;
         }
     }
     return qpath;
@@ -104,14 +104,14 @@ void PainterLimner::DrawLine(kelcore::geom::PointT<float> from, kelcore::geom::P
 QString TruncateText(const QString& text, const QFontMetricsF& metrics, float width,
                      TextTruncation truncation) {
     switch (truncation) {
-    case TextTruncation::Start:
-        return metrics.elidedText(text, Qt::ElideLeft, width);
-    case TextTruncation::End:
-        return metrics.elidedText(text, Qt::ElideRight, width);
-    case TextTruncation::Path:
-        return metrics.elidedText(text, Qt::ElideMiddle, width);
-    case TextTruncation::None:
-        break;
+        case TextTruncation::Start:
+            return metrics.elidedText(text, Qt::ElideLeft, width);
+        case TextTruncation::End:
+            return metrics.elidedText(text, Qt::ElideRight, width);
+        case TextTruncation::Path:
+            return metrics.elidedText(text, Qt::ElideMiddle, width);
+        case TextTruncation::None:
+            break;
     }
     return text;
 }
@@ -119,12 +119,12 @@ QString TruncateText(const QString& text, const QFontMetricsF& metrics, float wi
 namespace {
 Qt::Alignment ToQtAlignment(TextAlignment alignment) {
     switch (alignment) {
-    case TextAlignment::Center:
-        return Qt::AlignHCenter;
-    case TextAlignment::Right:
-        return Qt::AlignRight;
-    case TextAlignment::Left:
-        break;
+        case TextAlignment::Center:
+            return Qt::AlignHCenter;
+        case TextAlignment::Right:
+            return Qt::AlignRight;
+        case TextAlignment::Left:
+            break;
     }
     return Qt::AlignLeft;
 }
@@ -136,8 +136,7 @@ void PainterLimner::DrawText(kelcore::string::string_view text,
                              TextTruncation truncation) {
     const QFont qfont = QtFont::MakeQFont(font);
     const QFontMetricsF metrics(qfont);
-    const QString shown =
-        TruncateText(kelui::ui::ToQString(text), metrics, rect.width, truncation);
+    const QString shown = TruncateText(kelui::ui::ToQString(text), metrics, rect.width, truncation);
     painter.save();
     painter.setFont(qfont);
     painter.setPen(ToQColor(color));

@@ -15,7 +15,9 @@ void Path::CubicTo(kelcore::geom::PointT<float> control1, kelcore::geom::PointT<
     commands.push_back(Command{CommandType::CubicTo, {control1, control2, end}, {}, 0.0f});
 }
 
-void Path::Close() { commands.push_back(Command{CommandType::Close, {}, {}, 0.0f}); }
+void Path::Close() {
+    commands.push_back(Command{CommandType::Close, {}, {}, 0.0f});
+}
 
 void Path::AddRect(const kelcore::geom::RectT<float>& rect) {
     commands.push_back(Command{CommandType::Rect, {}, rect, 0.0f});

@@ -63,7 +63,9 @@ float QtFont::GetWrappedTextHeight(kelcore::string::string_view text, float widt
     return static_cast<float>(height);
 }
 
-float QtFont::GetLineHeight() const { return static_cast<float>(metrics.lineSpacing()); }
+float QtFont::GetLineHeight() const {
+    return static_cast<float>(metrics.lineSpacing());
+}
 
 std::string ValidateFontName(const std::string& name) {
     if (name.empty()) {

@@ -25,7 +25,8 @@ limner::ColorRGBA Mix(const QColor& from, const QColor& to, float amount) {
 }  // namespace
 
 limner::ColorRGBA GetPaletteGrayColor(const Theme& theme, int index) {
-    return theme.grays[static_cast<std::size_t>(std::clamp(index, 0, Theme::kPaletteGrayCount - 1))];
+    return theme
+        .grays[static_cast<std::size_t>(std::clamp(index, 0, Theme::kPaletteGrayCount - 1))];
 }
 
 Theme GetApplicationTheme() {
@@ -49,8 +50,12 @@ Theme GetApplicationTheme() {
     return theme;
 }
 
-bool IsRunningV7OrBeyond() { return sRunningV7OrBeyond.load(); }
+bool IsRunningV7OrBeyond() {
+    return sRunningV7OrBeyond.load();
+}
 
-void SetRunningV7OrBeyond(bool running) { sRunningV7OrBeyond.store(running); }
+void SetRunningV7OrBeyond(bool running) {
+    sRunningV7OrBeyond.store(running);
+}
 
 }  // namespace kelui::skins

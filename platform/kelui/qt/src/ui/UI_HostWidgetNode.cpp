@@ -1,6 +1,5 @@
 #include <kelui/ui/UI_HostWidgetNode.h>
 
-
 namespace kelui::ui {
 
 UI_HostWidgetNode::UI_HostWidgetNode(QWidget* widget) : UI_Node(widget, WrapTag{}) {}

@@ -70,11 +70,17 @@ UI_Node::~UI_Node() {
     }
 }
 
-QWidget* UI_Node::GetWidget() const { return holder->widget.data(); }
+QWidget* UI_Node::GetWidget() const {
+    return holder->widget.data();
+}
 
-QWidget* UI_Node::GetChildWidgetParent() const { return GetWidget(); }
+QWidget* UI_Node::GetChildWidgetParent() const {
+    return GetWidget();
+}
 
-void UI_Node::UI_SetNodeID(std::string id) { nodeID = std::move(id); }
+void UI_Node::UI_SetNodeID(std::string id) {
+    nodeID = std::move(id);
+}
 
 boost::intrusive_ptr<UI_Node> UI_Node::UI_ChildGetFromID(std::string_view id) const {
     for (const auto& child : children) {
@@ -264,7 +270,9 @@ void UI_Node::UI_Show(bool show) {
     ApplyVisibility();
 }
 
-void UI_Node::UI_Hide(bool hide) { UI_Show(!hide); }
+void UI_Node::UI_Hide(bool hide) {
+    UI_Show(!hide);
+}
 
 void UI_Node::ApplyVisibility() {
     QWidget* widget = GetWidget();
@@ -336,18 +344,18 @@ void UI_Node::PaintWidget(QWidget& widget) {
     UI_Draw(limner);
 }
 
-bool UI_Node::UI_DoPointerEvent(const PointerEvent& /*event*/) { return false; }
+bool UI_Node::UI_DoPointerEvent(const PointerEvent& /*event*/) {
+    return false;
+}
 
 void UI_Node::UI_AddCustomMouseEventFunction(std::shared_ptr<MouseEventFunction> function,
                                              int priority) {
     if (!function) {
         return;
     }
-    const auto position =
-        std::upper_bound(mouseFunctions.begin(), mouseFunctions.end(), priority,
-                         [](int value, const MouseFunctionEntry& entry) {
-                             return value < entry.priority;
-                         });
+    const auto position = std::upper_bound(
+        mouseFunctions.begin(), mouseFunctions.end(), priority,
+        [](int value, const MouseFunctionEntry& entry) { return value < entry.priority; });
     mouseFunctions.insert(position, MouseFunctionEntry{std::move(function), priority});
 }
 

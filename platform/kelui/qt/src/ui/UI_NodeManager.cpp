@@ -7,7 +7,8 @@ UI_NodeManager& UI_NodeManager::Get(int /*reserved*/) {
     return manager;
 }
 
-UI_NodeManager::UI_NodeManager() : defaultSupplier(std::make_shared<limner::WidgetDrawingSupplier>()) {}
+UI_NodeManager::UI_NodeManager()
+    : defaultSupplier(std::make_shared<limner::WidgetDrawingSupplier>()) {}
 
 std::shared_ptr<limner::WidgetDrawingSupplier> UI_NodeManager::GetDefaultDrawSupplier() const {
     return defaultSupplier;

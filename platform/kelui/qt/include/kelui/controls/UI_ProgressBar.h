@@ -23,7 +23,13 @@ public:
     /// The custom theme colour id of the bar's track (the part not yet filled).
     static constexpr std::uint32_t kTrackColorID = 5000061;
 
+    /// The bar's height in the toolkit's look.
+    static constexpr float kBarHeight = 12.0f;
+
     UI_ProgressBar();
+
+    /// The present width (a bar stretches to what its owner gives it) and kBarHeight.
+    kelcore::geom::PointT<float> UI_GetRecommendedSize(limner::Limner& measuring) override;
 
     /// Shows `value` out of `maximum`, `value` clamped to 0..maximum. A maximum of 0 or less
     /// shows an empty bar; SetValueUnknown is what shows the busy look.

@@ -56,9 +56,10 @@ public:
 
     /// One line of `text` in `rect`, vertically centred, shortened by `truncation` when it does
     /// not fit.
-    virtual void DrawText(kelcore::string::string_view text, const kelcore::geom::RectT<float>& rect,
-                          const FontDescription& font, const ColorRGBA& color,
-                          TextAlignment alignment, TextTruncation truncation) = 0;
+    virtual void DrawText(kelcore::string::string_view text,
+                          const kelcore::geom::RectT<float>& rect, const FontDescription& font,
+                          const ColorRGBA& color, TextAlignment alignment,
+                          TextTruncation truncation) = 0;
     /// `text` wrapped at word boundaries into `rect`, from its top.
     virtual void DrawWrappedText(kelcore::string::string_view text,
                                  const kelcore::geom::RectT<float>& rect,

@@ -8,10 +8,10 @@
 namespace limner {
 
 enum class TextTruncation : std::uint32_t {
-    None = 0,    ///< clipped at the edge
-    Start = 1,   ///< "…end of the text"
-    End = 2,     ///< "start of the te…"
-    Path = 3,    ///< "start/…/end", cut in the middle
+    None = 0,   ///< clipped at the edge
+    Start = 1,  ///< "…end of the text"
+    End = 2,    ///< "start of the te…"
+    Path = 3,   ///< "start/…/end", cut in the middle
 };
 
 }  // namespace limner

@@ -35,6 +35,8 @@ inline kelcore::geom::RectT<float> FromQRectF(const QRectF& rect) {
     return {static_cast<float>(rect.x()), static_cast<float>(rect.y()),
             static_cast<float>(rect.width()), static_cast<float>(rect.height())};
 }
-inline QPointF ToQPointF(kelcore::geom::PointT<float> point) { return QPointF(point.x, point.y); }
+inline QPointF ToQPointF(kelcore::geom::PointT<float> point) {
+    return QPointF(point.x, point.y);
+}
 
 }  // namespace kelui::ui

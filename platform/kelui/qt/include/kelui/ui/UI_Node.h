@@ -139,8 +139,7 @@ public:
     /// Installs `function` to see mouse events first; when it sets its `handled` argument the
     /// event stops there. Functions with a lower `priority` run first; equal ones in order of
     /// installation. The node keeps the function until it dies.
-    void UI_AddCustomMouseEventFunction(std::shared_ptr<MouseEventFunction> function,
-                                        int priority);
+    void UI_AddCustomMouseEventFunction(std::shared_ptr<MouseEventFunction> function, int priority);
     /// A tooltip of `text`, wrapped at `width` pixels; an empty text removes it.
     void UI_SetToolTip(kelcore::string::string_view text, float width);
     kelcore::string::string UI_GetToolTip() const;
