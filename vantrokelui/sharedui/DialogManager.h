@@ -37,9 +37,7 @@ public:
     /// Returns at once without a dialog or a window to centre it on.
     void UpdateLayout() override;
 
-    const boost::intrusive_ptr<sharedui::WorkflowMainView>& GetMainView() const {
-        return mainView;
-    }
+    const boost::intrusive_ptr<sharedui::WorkflowMainView>& GetMainView() const { return mainView; }
     /// The dialog; null until the first show.
     const boost::intrusive_ptr<kelui::ui::UI_Dialog>& GetDialog() const { return dialog; }
     const boost::intrusive_ptr<kelui::controls::UI_Button>& GetCancelButton() const {

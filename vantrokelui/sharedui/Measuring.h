@@ -15,7 +15,8 @@
 namespace vantrokelui::sharedui {
 
 /// The node's recommended size, rounded up to whole pixels.
-kelcore::geom::PointT<float> GetRecommendedSize(const boost::intrusive_ptr<kelui::ui::UI_Node>& node);
+kelcore::geom::PointT<float> GetRecommendedSize(
+    const boost::intrusive_ptr<kelui::ui::UI_Node>& node);
 
 /// The height of the text control's text wrapped at `width` in the control's font, rounded up.
 /// An empty text measures what the font gives for it (one line), not 0.

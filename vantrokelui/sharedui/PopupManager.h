@@ -48,8 +48,7 @@ public:
 
     const boost::intrusive_ptr<WorkflowMainView>& GetMainView() const { return mainView; }
     /// The popup window; null until the first show.
-    const boost::intrusive_ptr<kelui::controls::UI_TouchPopupContainer>& GetPopupContainer()
-        const {
+    const boost::intrusive_ptr<kelui::controls::UI_TouchPopupContainer>& GetPopupContainer() const {
         return popupContainer;
     }
 

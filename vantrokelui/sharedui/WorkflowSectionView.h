@@ -19,9 +19,9 @@ class WorkflowSectionView final : public VStackView {
 public:
     /// Wraps `content` (shown and pushed as the only child). `title` and `image` are accepted for
     /// the hosts' calls and not used: a section draws no header of its own.
-    WorkflowSectionView(boost::intrusive_ptr<kelui::ui::UI_SubView> content,
-                        const kelcore::string::string& title,
-                        const std::shared_ptr<std::function<void(kelui::ui::ConstMessage*)>>& image);
+    WorkflowSectionView(
+        boost::intrusive_ptr<kelui::ui::UI_SubView> content, const kelcore::string::string& title,
+        const std::shared_ptr<std::function<void(kelui::ui::ConstMessage*)>>& image);
 
     void UI_Draw(limner::Limner& limner) override;
 

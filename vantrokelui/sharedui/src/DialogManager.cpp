@@ -55,8 +55,8 @@ void DialogManager::ShowSection(boost::intrusive_ptr<sharedui::WorkflowSectionVi
 void DialogManager::ShowWorkflow() {
     const auto root = FindDialogRoot();
     auto supplier = root ? root->UI_GetDrawSupplier() : nullptr;
-    dialog.reset(new kelui::ui::UI_Dialog(supplier, {}, {0.0f, 0.0f},
-                                          root ? root->GetWidget() : nullptr));
+    dialog.reset(
+        new kelui::ui::UI_Dialog(supplier, {}, {0.0f, 0.0f}, root ? root->GetWidget() : nullptr));
     dialog->GetViewContainer()->ChildPushBack(mainView);
     UpdateLayout();
     if (cancelButton && commitButton) {
@@ -104,8 +104,7 @@ void DialogManager::UpdateLayout() {
     }
     const auto size = sharedui::GetRecommendedSize(mainView);
     mainView->UI_SetLocalRectF({0.0f, 0.0f, size.x, size.y});
-    dialog->UI_SetLocalRect(
-        {0, 0, static_cast<int>(size.x), static_cast<int>(size.y)});
+    dialog->UI_SetLocalRect({0, 0, static_cast<int>(size.x), static_cast<int>(size.y)});
     dialog->Position();
     dialog->SetContentSize(size.x, size.y);
     dialog->UI_Activate();

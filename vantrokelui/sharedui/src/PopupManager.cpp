@@ -7,7 +7,9 @@
 
 namespace vantrokelui::sharedui {
 
-PopupManager::PopupManager() : mainView(new WorkflowMainView) { mainView->UI_Show(true); }
+PopupManager::PopupManager() : mainView(new WorkflowMainView) {
+    mainView->UI_Show(true);
+}
 
 PopupManager::~PopupManager() {
     commitCallbacks.clear();
@@ -94,18 +96,19 @@ void PopupManager::UpdateLayout() {
     const float height = scaleY * size.y;
     kelcore::geom::PointT<float> topLeft{};
     switch (placementMode) {
-    case BelowAnchor:
-        topLeft = {anchorRect.x + anchorRect.width - width, anchorRect.y + 4.0f + anchorRect.height};
-        break;
-    case CenteredOnAnchor:
-        topLeft = {anchorRect.x + (anchorRect.width - width) * 0.5f,
-                   anchorRect.y + (anchorRect.height - height) * 0.5f};
-        break;
-    case AtPosition:
-        topLeft = popupPosition;
-        break;
-    default:
-        break;
+        case BelowAnchor:
+            topLeft = {anchorRect.x + anchorRect.width - width,
+                       anchorRect.y + 4.0f + anchorRect.height};
+            break;
+        case CenteredOnAnchor:
+            topLeft = {anchorRect.x + (anchorRect.width - width) * 0.5f,
+                       anchorRect.y + (anchorRect.height - height) * 0.5f};
+            break;
+        case AtPosition:
+            topLeft = popupPosition;
+            break;
+        default:
+            break;
     }
     popupContainer->SetContentSize(topLeft.x, topLeft.y, width, height);
     popupContainer->UI_Activate();

@@ -44,8 +44,8 @@ void ShowSelectLocationDialogCentered(
     }
     const boost::intrusive_ptr<SelectLocationManagerImpl> holder = sHolder;
 
-    holder->viewModel->SelectLocationAPI(
-        model::VantroClientIntegration::CreateClientUser(user), std::move(callback));
+    holder->viewModel->SelectLocationAPI(model::VantroClientIntegration::CreateClientUser(user),
+                                         std::move(callback));
     boost::intrusive_ptr<kelui::ui::UI_SubView> view =
         view::MakeScreenView(holder->viewModel->GetCurrentViewID(), holder->viewModel);
     auto section = holder->workflow->AddSection(0, view);

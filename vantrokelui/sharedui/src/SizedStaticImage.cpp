@@ -2,7 +2,9 @@
 
 namespace vantrokelui::sharedui {
 
-SizedStaticImage::SizedStaticImage() { UI_SetNodeID("FixedSizeStaticImage"); }
+SizedStaticImage::SizedStaticImage() {
+    UI_SetNodeID("FixedSizeStaticImage");
+}
 
 kelcore::geom::PointT<float> SizedStaticImage::UI_GetRecommendedSize(
     limner::Limner& /*measuring*/) {

@@ -27,8 +27,12 @@ void StackViewBase::SetMargins(float top, float left, float bottom, float right)
     margins = Margins{top, left, bottom, right};
 }
 
-void StackViewBase::SetMargin(float margin) { SetMargins(margin, margin, margin, margin); }
+void StackViewBase::SetMargin(float margin) {
+    SetMargins(margin, margin, margin, margin);
+}
 
-void StackViewBase::SetSpacing(float newSpacing) { spacing = newSpacing; }
+void StackViewBase::SetSpacing(float newSpacing) {
+    spacing = newSpacing;
+}
 
 }  // namespace vantrokelui::sharedui

@@ -25,8 +25,8 @@ void WorkflowMainView::UI_Draw(limner::Limner& limner) {
         }
     }
     const int gray = kelui::skins::IsRunningV7OrBeyond() ? 4 : 5;
-    limner.StrokePath(path, limner::Pen{1.0f, kelui::skins::GetPaletteGrayColor(
-                                                  supplier->GetTheme(), gray)});
+    limner.StrokePath(
+        path, limner::Pen{1.0f, kelui::skins::GetPaletteGrayColor(supplier->GetTheme(), gray)});
 }
 
 }  // namespace vantrokelui::sharedui

@@ -29,7 +29,9 @@ void WorkflowSectionView::UI_Draw(limner::Limner& limner) {
     UI_Node::UI_Draw(limner);
 }
 
-boost::intrusive_ptr<kelui::ui::UI_SubView> WorkflowSectionView::GetContent() { return content; }
+boost::intrusive_ptr<kelui::ui::UI_SubView> WorkflowSectionView::GetContent() {
+    return content;
+}
 
 void WorkflowSectionView::SetContent(boost::intrusive_ptr<kelui::ui::UI_SubView> view) {
     ChildRemove(content);

@@ -27,6 +27,8 @@ kelcore::string::string QtTopLevelWindow::GetTitle() const {
     return window ? kelui::ui::FromQString(window->windowTitle()) : kelcore::string::string{};
 }
 
-std::shared_ptr<Workspace> QtTopLevelWindow::GetWorkspace() const { return workspace; }
+std::shared_ptr<Workspace> QtTopLevelWindow::GetWorkspace() const {
+    return workspace;
+}
 
 }  // namespace kelworkspace::workspace

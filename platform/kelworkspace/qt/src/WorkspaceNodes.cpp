@@ -17,8 +17,8 @@ boost::intrusive_ptr<kelui::ui::UI_Node> WorkspaceUtils::GetModalDialogParentNod
     boost::intrusive_ptr<kelui::ui::UI_HostWidgetNode> node(
         new kelui::ui::UI_HostWidgetNode(widget->window()));
     if (const auto workspace = mainWindow->GetWorkspace()) {
-        node->UI_SetDrawSupplier(
-            std::dynamic_pointer_cast<limner::WidgetDrawingSupplier>(workspace->GetDrawingSupplier()));
+        node->UI_SetDrawSupplier(std::dynamic_pointer_cast<limner::WidgetDrawingSupplier>(
+            workspace->GetDrawingSupplier()));
     }
     return node;
 }
