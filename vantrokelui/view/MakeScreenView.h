@@ -12,8 +12,8 @@
 
 namespace vantrokelui::view {
 
-/// A new view for the screen `id`; null for an id outside 1 to 13. Screens whose views are not
-/// built yet get an empty view, so the panel opens on an empty section for them.
+/// A new view for the screen `id`; null for an id outside 1 to 13, which the section shows as an
+/// empty view.
 boost::intrusive_ptr<kelui::ui::UI_SubView> MakeScreenView(
     ShareForReviewViewID id, const std::shared_ptr<viewmodel::ShareForReviewViewModel>& viewModel);
 

@@ -3,6 +3,7 @@
 #include <vantrokelui/view/CopyLinkSectionView.h>
 #include <vantrokelui/view/DebugView.h>
 #include <vantrokelui/view/EncodingProgressView.h>
+#include <vantrokelui/view/LocationPickerView.h>
 #include <vantrokelui/view/NoAssetProcessorView.h>
 #include <vantrokelui/view/NoAssetView.h>
 #include <vantrokelui/view/OfflineView.h>
@@ -38,8 +39,7 @@ boost::intrusive_ptr<kelui::ui::UI_SubView> MakeScreenView(
             return View(new SigninView(viewModel));
         case ShareForReviewViewID::SelectProject:
         case ShareForReviewViewID::SelectFolder:
-            // The location picker's view replaces this empty one when it is built.
-            return View(new kelui::ui::UI_SubView);
+            return View(new LocationPickerView(viewModel));
         case ShareForReviewViewID::None:
             break;
     }
