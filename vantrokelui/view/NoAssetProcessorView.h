@@ -8,38 +8,16 @@
 
 #include <memory>
 
-#include <boost/intrusive_ptr.hpp>
-
-#include <kelcore/geom/PointT.h>
-#include <kelcore/geom/RectT.h>
-#include <kelui/controls/UI_StaticText.h>
-#include <vantrokelui/view/PopupBaseView.h>
-#include <vantrokelui/view/WorkflowLabel.h>
+#include <vantrokelui/view/MessageScreenView.h>
 
 namespace vantrokelui::view {
 
-class NoAssetProcessorView final : public PopupBaseView {
+class NoAssetProcessorView final : public MessageScreenView {
 public:
-    /// Builds the label and the two-line description and shows itself. The sign-out item is
-    /// enabled or not by the view model's state now.
+    /// Builds the label and the two-line description and shows itself; (340, 85). The sign-out
+    /// item is enabled or not by the view model's state now.
     explicit NoAssetProcessorView(std::shared_ptr<viewmodel::ShareForReviewViewModel> viewModel);
     ~NoAssetProcessorView() override;
-
-    /// Keeps `rect`; with a drawing supplier, puts the label at (15, 10) and the description
-    /// 45 above the bottom. Without one, the children stay where they are.
-    void UI_SetLocalRectF(const kelcore::geom::RectT<float>& rect) override;
-    /// Always (340, 85).
-    kelcore::geom::PointT<float> UI_GetRecommendedSize(limner::Limner& measuring) override;
-
-    // The parts, for tests and for screen readers' order.
-    const boost::intrusive_ptr<WorkflowLabel>& GetWorkflowLabel() const { return workflowLabel; }
-    const boost::intrusive_ptr<kelui::controls::UI_StaticText>& GetDescriptionText() const {
-        return descriptionText;
-    }
-
-private:
-    boost::intrusive_ptr<WorkflowLabel> workflowLabel;
-    boost::intrusive_ptr<kelui::controls::UI_StaticText> descriptionText;
 };
 
 }  // namespace vantrokelui::view

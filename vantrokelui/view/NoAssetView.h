@@ -8,38 +8,16 @@
 
 #include <memory>
 
-#include <boost/intrusive_ptr.hpp>
-
-#include <kelcore/geom/PointT.h>
-#include <kelcore/geom/RectT.h>
-#include <kelui/controls/UI_StaticText.h>
-#include <vantrokelui/view/PopupBaseView.h>
-#include <vantrokelui/view/WorkflowLabel.h>
+#include <vantrokelui/view/MessageScreenView.h>
 
 namespace vantrokelui::view {
 
-class NoAssetView final : public PopupBaseView {
+class NoAssetView final : public MessageScreenView {
 public:
-    /// Builds the label and the one-line description and shows itself. The sign-out item is
-    /// enabled or not by the view model's state now.
+    /// Builds the label and the one-line description and shows itself; (340, 70). The sign-out
+    /// item is enabled or not by the view model's state now.
     explicit NoAssetView(std::shared_ptr<viewmodel::ShareForReviewViewModel> viewModel);
     ~NoAssetView() override;
-
-    /// Keeps `rect`; with a drawing supplier, puts the label at (15, 10) and the description
-    /// 30 above the bottom. Without one, the children stay where they are.
-    void UI_SetLocalRectF(const kelcore::geom::RectT<float>& rect) override;
-    /// Always (340, 70).
-    kelcore::geom::PointT<float> UI_GetRecommendedSize(limner::Limner& measuring) override;
-
-    // The parts, for tests and for screen readers' order.
-    const boost::intrusive_ptr<WorkflowLabel>& GetWorkflowLabel() const { return workflowLabel; }
-    const boost::intrusive_ptr<kelui::controls::UI_StaticText>& GetDescriptionText() const {
-        return descriptionText;
-    }
-
-private:
-    boost::intrusive_ptr<WorkflowLabel> workflowLabel;
-    boost::intrusive_ptr<kelui::controls::UI_StaticText> descriptionText;
 };
 
 }  // namespace vantrokelui::view

@@ -9,39 +9,18 @@
 
 #include <memory>
 
-#include <boost/intrusive_ptr.hpp>
-
-#include <kelcore/geom/PointT.h>
-#include <kelcore/geom/RectT.h>
-#include <kelui/controls/UI_StaticText.h>
-#include <vantrokelui/view/PopupBaseView.h>
-#include <vantrokelui/view/WorkflowLabel.h>
+#include <vantrokelui/view/MessageScreenView.h>
 
 namespace vantrokelui::view {
 
-class StorageLimitExceededView final : public PopupBaseView {
+class StorageLimitExceededView final : public MessageScreenView {
 public:
-    /// Builds the label and the description, binds the label's name to the active sequence's
-    /// name and shows itself. The sign-out item is enabled or not by the view model's state now.
+    /// Builds the label and the description (as high as its wrapped text), binds the label's
+    /// name to the active sequence's name and shows itself; (340, 85). The sign-out item is
+    /// enabled or not by the view model's state now.
     explicit StorageLimitExceededView(
         std::shared_ptr<viewmodel::ShareForReviewViewModel> viewModel);
     ~StorageLimitExceededView() override;
-
-    /// Keeps `rect`; with a drawing supplier, puts the label at (15, 10) and the description, as
-    /// high as its wrapped text at 310, 15 above the bottom. Without one, the children stay.
-    void UI_SetLocalRectF(const kelcore::geom::RectT<float>& rect) override;
-    /// Always (340, 85).
-    kelcore::geom::PointT<float> UI_GetRecommendedSize(limner::Limner& measuring) override;
-
-    // The parts, for tests and for screen readers' order.
-    const boost::intrusive_ptr<WorkflowLabel>& GetWorkflowLabel() const { return workflowLabel; }
-    const boost::intrusive_ptr<kelui::controls::UI_StaticText>& GetDescriptionText() const {
-        return descriptionText;
-    }
-
-private:
-    boost::intrusive_ptr<WorkflowLabel> workflowLabel;
-    boost::intrusive_ptr<kelui::controls::UI_StaticText> descriptionText;
 };
 
 }  // namespace vantrokelui::view

@@ -1,5 +1,5 @@
 // Helpers for the button tests: a shown, active window holding nodes, a picture of one flat
-// colour, a dark palette for the length of a scope, and pixel helpers over QWidget::grab().
+// colour, and pixel helpers over QWidget::grab().
 #pragma once
 
 #include <functional>
@@ -9,7 +9,6 @@
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
-#include <QPalette>
 #include <QTest>
 #include <QWidget>
 
@@ -91,34 +90,6 @@ inline kelui::ui::ImageSupplyFunction SupplyOf(boost::intrusive_ptr<limner::Imag
             }
         });
 }
-
-/// A dark application palette until the end of the scope, then the one before.
-class ScopedDarkPalette {
-public:
-    ScopedDarkPalette() : saved(QApplication::palette()) {
-        QPalette dark;
-        dark.setColor(QPalette::Window, QColor(0x2b, 0x2b, 0x2d));
-        dark.setColor(QPalette::WindowText, QColor(0xe4, 0xe4, 0xe7));
-        dark.setColor(QPalette::Base, QColor(0x1f, 0x1f, 0x21));
-        dark.setColor(QPalette::Text, QColor(0xe4, 0xe4, 0xe7));
-        dark.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3d));
-        dark.setColor(QPalette::ButtonText, QColor(0xe4, 0xe4, 0xe7));
-        dark.setColor(QPalette::Highlight, QColor(0x3d, 0x8b, 0xf2));
-        dark.setColor(QPalette::HighlightedText, Qt::white);
-        dark.setColor(QPalette::Link, QColor(0x6c, 0xb0, 0xff));
-        dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x77, 0x77, 0x7b));
-        dark.setColor(QPalette::Disabled, QPalette::Text, QColor(0x77, 0x77, 0x7b));
-        dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x77, 0x77, 0x7b));
-        QApplication::setPalette(dark);
-    }
-    ~ScopedDarkPalette() { QApplication::setPalette(saved); }
-
-    ScopedDarkPalette(const ScopedDarkPalette&) = delete;
-    ScopedDarkPalette& operator=(const ScopedDarkPalette&) = delete;
-
-private:
-    QPalette saved;
-};
 
 /// The widget as it is drawn now, at one image pixel per widget pixel.
 inline QImage Grab(QWidget* widget) {

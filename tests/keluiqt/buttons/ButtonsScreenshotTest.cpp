@@ -14,13 +14,13 @@
 #include <string>
 #include <vector>
 
-#include <QDir>
 #include <QPainter>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
 #include "ButtonTestSupport.h"
+#include "support/qt/Screenshots.h"
 
 namespace {
 
@@ -224,13 +224,12 @@ private:
     }
 };
 
-void Save(const QImage& image, const QString& name) {
-    const QString folder = QStringLiteral("/tmp/keluiqt-shots/buttons");
-    ASSERT_TRUE(QDir().mkpath(folder));
+void Save(const QImage& image, const std::string& name) {
+    EXPECT_TRUE(testsupport::SaveScreenshot(image, "buttons", name + ".png"));
     // Twice the size too, pixel for pixel, so details are easy to judge.
-    EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
-    EXPECT_TRUE(image.scaled(image.size() * 2, Qt::IgnoreAspectRatio, Qt::FastTransformation)
-                    .save(folder + QLatin1Char('/') + name + QStringLiteral("@2x.png")));
+    EXPECT_TRUE(testsupport::SaveScreenshot(
+        image.scaled(image.size() * 2, Qt::IgnoreAspectRatio, Qt::FastTransformation), "buttons",
+        name + "@2x.png"));
 }
 
 // What both pictures must show, whatever the theme.
@@ -254,17 +253,17 @@ TEST(ButtonsScreenshot, LightPanel) {
     ASSERT_TRUE(panel.window.IsActive());
     const QImage image = panel.Render();
     CheckPanel(panel, image);
-    Save(image, QStringLiteral("buttons-light"));
+    Save(image, "buttons-light");
 }
 
 TEST(ButtonsScreenshot, DarkPanel) {
-    buttons_test::ScopedDarkPalette dark;
+    const testsupport::ScopedDarkPalette dark;
     Panel panel;
     ASSERT_TRUE(panel.window.IsActive());
     ASSERT_TRUE(kelui::skins::GetApplicationTheme().dark);
     const QImage image = panel.Render();
     CheckPanel(panel, image);
-    Save(image, QStringLiteral("buttons-dark"));
+    Save(image, "buttons-dark");
 }
 
 }  // namespace

@@ -22,6 +22,7 @@
 #include <gtest/gtest.h>
 
 #include "keluiqt/popups/PopupsTestSupport.h"
+#include "support/qt/Screenshots.h"
 
 namespace {
 
@@ -69,23 +70,20 @@ int CountColours(const QImage& image) {
     return static_cast<int>(colours.size());
 }
 
-std::string SaveImage(const QImage& image, const std::string& name) {
-    const QString path =
-        QStringLiteral("/tmp/keluiqt-shots/popups/%1.png").arg(QString::fromStdString(name));
-    QDir().mkpath(QStringLiteral("/tmp/keluiqt-shots/popups"));
-    return image.save(path) ? path.toStdString() : std::string();
+bool SaveImage(const QImage& image, const std::string& name) {
+    return testsupport::SaveScreenshot(image, "popups", name + ".png");
 }
 
 class Screenshot : public ::testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
         if (GetParam()) {
-            dark = std::make_unique<popupstest::DarkPalette>();
+            dark = std::make_unique<testsupport::ScopedDarkPalette>();
         }
     }
     void TearDown() override { dark.reset(); }
 
-    std::unique_ptr<popupstest::DarkPalette> dark;
+    std::unique_ptr<testsupport::ScopedDarkPalette> dark;
 };
 
 TEST_P(Screenshot, AnOpenPopupList) {
@@ -141,7 +139,7 @@ TEST_P(Screenshot, AnOpenPopupList) {
     presets->HideMenu();
 
     EXPECT_GT(CountColours(shot), 8);
-    EXPECT_FALSE(SaveImage(shot, std::string("popup-list-") + ThemeName(GetParam())).empty());
+    EXPECT_TRUE(SaveImage(shot, std::string("popup-list-") + ThemeName(GetParam())));
 }
 
 TEST_P(Screenshot, APopupWindowWithContent) {
@@ -205,7 +203,7 @@ TEST_P(Screenshot, APopupWindowWithContent) {
     container->UI_Hide(true);
 
     EXPECT_GT(CountColours(shot), 8);
-    EXPECT_FALSE(SaveImage(shot, std::string("popup-window-") + ThemeName(GetParam())).empty());
+    EXPECT_TRUE(SaveImage(shot, std::string("popup-window-") + ThemeName(GetParam())));
 }
 
 TEST_P(Screenshot, ADialog) {
@@ -246,7 +244,7 @@ TEST_P(Screenshot, ADialog) {
 
     EXPECT_EQ(shot.size(), QSize(340, 148));
     EXPECT_GT(CountColours(shot), 8);
-    EXPECT_FALSE(SaveImage(shot, std::string("dialog-") + ThemeName(GetParam())).empty());
+    EXPECT_TRUE(SaveImage(shot, std::string("dialog-") + ThemeName(GetParam())));
 }
 
 TEST_P(Screenshot, Toasts) {
@@ -277,7 +275,7 @@ TEST_P(Screenshot, Toasts) {
     kelui::ui::SetMainTopLevelWindow({});
 
     EXPECT_GT(CountColours(shot), 8);
-    EXPECT_FALSE(SaveImage(shot, std::string("toast-") + ThemeName(GetParam())).empty());
+    EXPECT_TRUE(SaveImage(shot, std::string("toast-") + ThemeName(GetParam())));
 }
 
 INSTANTIATE_TEST_SUITE_P(LightAndDark, Screenshot, ::testing::Values(false, true),

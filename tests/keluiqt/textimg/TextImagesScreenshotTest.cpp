@@ -4,7 +4,6 @@
 #include <cmath>
 #include <vector>
 
-#include <QDir>
 #include <QImage>
 #include <QPainter>
 
@@ -19,6 +18,7 @@
 #include <kelui/utility/OS_ResourceManager.h>
 
 #include "keluiqt/textimg/TextImgTestSupport.h"
+#include "support/qt/Screenshots.h"
 
 namespace {
 
@@ -163,21 +163,13 @@ void RenderColumn(const std::string& look) {
     column.AddProgress(false);
     const auto& root = column.Finish();
 
-    const QString folder = QStringLiteral("/tmp/keluiqt-shots/textimg");
-    ASSERT_TRUE(QDir().mkpath(folder));
-
     const QImage single = root->GetWidget()->grab().toImage();
     ASSERT_TRUE(ShowsSomething(single));
-    EXPECT_TRUE(
-        single.save(folder + QStringLiteral("/%1-1x.png").arg(QString::fromStdString(look))));
+    EXPECT_TRUE(testsupport::SaveScreenshot(single, "textimg", look + "-1x.png"));
 
-    QImage doubled(root->GetWidget()->size() * 2, QImage::Format_ARGB32_Premultiplied);
-    doubled.setDevicePixelRatio(2.0);
-    doubled.fill(Qt::transparent);
-    root->GetWidget()->render(&doubled);
+    const QImage doubled = testsupport::RenderWidget(*root->GetWidget(), 2);
     ASSERT_TRUE(ShowsSomething(doubled));
-    EXPECT_TRUE(
-        doubled.save(folder + QStringLiteral("/%1-2x.png").arg(QString::fromStdString(look))));
+    EXPECT_TRUE(testsupport::SaveScreenshot(doubled, "textimg", look + "-2x.png"));
 }
 
 TEST(TextImagesScreenshot, LightColumnAtRatioOneAndTwo) {
@@ -185,7 +177,7 @@ TEST(TextImagesScreenshot, LightColumnAtRatioOneAndTwo) {
 }
 
 TEST(TextImagesScreenshot, DarkColumnAtRatioOneAndTwo) {
-    const textimg_test::ScopedDarkPalette dark;
+    const testsupport::ScopedDarkPalette dark;
     RenderColumn("dark");
 }
 

@@ -1,16 +1,14 @@
 // Helpers shared by the tests of text, images, dividers, progress bars and the clipboard: the
-// library's artwork folder, a dark application palette for the length of a scope, and pixel
-// reading of what a node's widget paints. Main thread.
+// library's artwork folder, a dark application palette for the length of a scope (the shared
+// one), and pixel reading of what a node's widget paints. Main thread.
 #pragma once
 
 #include <filesystem>
 #include <fstream>
 #include <string>
 
-#include <QApplication>
 #include <QColor>
 #include <QImage>
-#include <QPalette>
 #include <QPixmap>
 #include <QWidget>
 
@@ -18,7 +16,11 @@
 
 #include <kelui/ui/UI_Node.h>
 
+#include "support/qt/Screenshots.h"
+
 namespace textimg_test {
+
+using testsupport::ScopedDarkPalette;
 
 /// vantrokelui/resources/icons of this source tree.
 inline std::filesystem::path ArtworkFolder() {
@@ -40,39 +42,6 @@ inline std::string InkSquareSvg(int size) {
            "\" viewBox=\"0 0 " + side + " " + side + "\"><rect x=\"0\" y=\"0\" width=\"" + side +
            "\" height=\"" + side + "\" fill=\"currentColor\"/></svg>";
 }
-
-/// A dark palette of the kind a dark desktop gives.
-inline QPalette MakeDarkPalette() {
-    QPalette palette(QColor(0x3a, 0x3a, 0x3a), QColor(0x2b, 0x2b, 0x2b));
-    const QColor text(0xe8, 0xe8, 0xe8);
-    const QColor disabled(0x80, 0x80, 0x80);
-    palette.setColor(QPalette::WindowText, text);
-    palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::Base, QColor(0x1f, 0x1f, 0x1f));
-    palette.setColor(QPalette::AlternateBase, QColor(0x33, 0x33, 0x33));
-    palette.setColor(QPalette::Highlight, QColor(0x26, 0x7f, 0xeb));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, QColor(0x5a, 0xa2, 0xff));
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, disabled);
-    palette.setColor(QPalette::Disabled, QPalette::Text, disabled);
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText, disabled);
-    return palette;
-}
-
-/// The application's palette is dark while this lives, and what it was afterwards.
-class ScopedDarkPalette {
-public:
-    ScopedDarkPalette() : saved(QApplication::palette()) {
-        QApplication::setPalette(MakeDarkPalette());
-    }
-    ~ScopedDarkPalette() { QApplication::setPalette(saved); }
-    ScopedDarkPalette(const ScopedDarkPalette&) = delete;
-    ScopedDarkPalette& operator=(const ScopedDarkPalette&) = delete;
-
-private:
-    QPalette saved;
-};
 
 /// What the node's widget paints, as Qt grabs it (background, node, children).
 inline QImage Grab(const kelui::ui::UI_Node& node) {

@@ -9,7 +9,6 @@
 #include <string>
 
 #include <QApplication>
-#include <QDir>
 #include <QImage>
 #include <QPalette>
 #include <QTreeView>
@@ -21,6 +20,7 @@
 #include <kelui/ui/UI_NodeManager.h>
 
 #include "keluiqt/tree/TreeTestSupport.h"
+#include "support/qt/Screenshots.h"
 
 namespace {
 
@@ -31,36 +31,9 @@ using kelui::controls::UI_TreeRow;
 using kelui::tests::NodeWindow;
 using kelui::ui::ToQColor;
 
-const QString kShotFolder = QStringLiteral("/tmp/keluiqt-shots/tree");
-
 kelui::skins::Theme CurrentTheme() {
     return kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier()->GetTheme();
 }
-
-// Sets a dark application palette for the test's life and puts the old one back.
-class DarkPalette {
-public:
-    DarkPalette() : saved(QApplication::palette()) {
-        QPalette dark;
-        dark.setColor(QPalette::Window, QColor(45, 45, 48));
-        dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
-        dark.setColor(QPalette::Base, QColor(30, 30, 32));
-        dark.setColor(QPalette::AlternateBase, QColor(40, 40, 44));
-        dark.setColor(QPalette::Text, QColor(230, 230, 230));
-        dark.setColor(QPalette::Button, QColor(55, 55, 58));
-        dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-        dark.setColor(QPalette::Highlight, QColor(42, 110, 210));
-        dark.setColor(QPalette::HighlightedText, Qt::white);
-        dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
-        QApplication::setPalette(dark);
-    }
-    ~DarkPalette() { QApplication::setPalette(saved); }
-    DarkPalette(const DarkPalette&) = delete;
-    DarkPalette& operator=(const DarkPalette&) = delete;
-
-private:
-    QPalette saved;
-};
 
 // A project browser: folders with a rounded icon, clips with a square one, and a duration column.
 struct ClipTree {
@@ -72,11 +45,10 @@ struct ClipTree {
     ClipTree(const ClipTree&) = delete;
     ClipTree& operator=(const ClipTree&) = delete;
     ClipTree() {
-        tree = boost::intrusive_ptr<UI_MultiColumnTree>(new UI_MultiColumnTree(
-            [this](limner::Limner* limner, UI_TreeRow* row, int column, RectT<float> rect) {
-                Draw(*limner, row, column, rect);
-            },
-            {}, {}));
+        tree = boost::intrusive_ptr<UI_MultiColumnTree>(
+            new UI_MultiColumnTree([this](limner::Limner* limner, UI_TreeRow* row, int column,
+                                          RectT<float> rect) { Draw(*limner, row, column, rect); },
+                                   {}, {}));
         tree->SetColumnWidths({220.0f, 80.0f});
         UI_TreeRow* projects = Add(nullptr, u"Projects", u"");
         UI_TreeRow* spring = Add(projects, u"Spring campaign", u"");
@@ -105,8 +77,8 @@ struct ClipTree {
         const kelui::skins::Theme theme = CurrentTheme();
         const limner::FontDescription font;
         if (column == 1) {
-            limner.DrawText(durations[row], {rect.x, rect.y, rect.width - 8.0f, rect.height},
-                            font, kelui::skins::GetPaletteGrayColor(theme, 8),
+            limner.DrawText(durations[row], {rect.x, rect.y, rect.width - 8.0f, rect.height}, font,
+                            kelui::skins::GetPaletteGrayColor(theme, 8),
                             limner::TextAlignment::Right, limner::TextTruncation::End);
             return;
         }
@@ -119,12 +91,7 @@ struct ClipTree {
     }
 };
 
-void SaveShot(const QImage& image, const QString& name) {
-    ASSERT_TRUE(QDir().mkpath(kShotFolder));
-    ASSERT_TRUE(image.save(kShotFolder + QLatin1Char('/') + name));
-}
-
-void ShootTree(const QString& name) {
+void ShootTree(const std::string& name) {
     ClipTree clips;
     NodeWindow window(*clips.tree, {0.0f, 0.0f, 320.0f, 210.0f});
     ASSERT_TRUE(window.IsExposed());
@@ -133,7 +100,7 @@ void ShootTree(const QString& name) {
     ASSERT_TRUE(kelui::tests::ProcessEventsUntil([view] { return view->hasFocus(); }));
 
     const QImage image = view->grab().toImage();
-    SaveShot(image, name);
+    ASSERT_TRUE(testsupport::SaveScreenshot(image, "tree", name));
 
     // The selected row is one band of the theme's selection gray from edge to edge (inside the
     // style's focus frame).
@@ -148,13 +115,13 @@ void ShootTree(const QString& name) {
 
 TEST(TreeScreenshot, ThreeLevelsWithASelectedRowInTheLightPalette) {
     ASSERT_FALSE(CurrentTheme().dark);
-    ShootTree(QStringLiteral("tree-light.png"));
+    ShootTree("tree-light.png");
 }
 
 TEST(TreeScreenshot, ThreeLevelsWithASelectedRowInTheDarkPalette) {
-    DarkPalette dark;
+    const testsupport::ScopedDarkPalette dark;
     ASSERT_TRUE(CurrentTheme().dark);
-    ShootTree(QStringLiteral("tree-dark.png"));
+    ShootTree("tree-dark.png");
 }
 
 // Content that draws numbered bands, so that the scrolled position shows.
@@ -172,7 +139,7 @@ struct BandsNode : kelui::ui::UI_SubView {
     }
 };
 
-void ShootScrollView(const QString& name) {
+void ShootScrollView(const std::string& name) {
     boost::intrusive_ptr<UI_ScrollView> scroll(new UI_ScrollView);
     boost::intrusive_ptr<BandsNode> bands(new BandsNode);
     scroll->GetContentView()->ChildPushBack(bands);
@@ -184,10 +151,10 @@ void ShootScrollView(const QString& name) {
     bands->UI_SetLocalRectF({0.0f, 0.0f, scroll->GetViewportSize().x, 400.0f});
     scroll->ScrollTo(60.0f);
 
-    QImage image(window.Window().size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(window.Window().palette().color(QPalette::Window));
-    window.Window().render(&image);
-    SaveShot(image, name);
+    QWidget& shown = window.Window();
+    const QImage image =
+        testsupport::RenderWidget(shown, 1, shown.palette().color(QPalette::Window));
+    ASSERT_TRUE(testsupport::SaveScreenshot(image, "tree", name));
 
     // Scrolled by 60: the viewport's top shows the second band (gray 2) from 0 to 20.
     const QColor secondBand = ToQColor(kelui::skins::GetPaletteGrayColor(CurrentTheme(), 2));
@@ -196,12 +163,12 @@ void ShootScrollView(const QString& name) {
 }
 
 TEST(TreeScreenshot, ScrollViewWithTallContentInTheLightPalette) {
-    ShootScrollView(QStringLiteral("scrollview-light.png"));
+    ShootScrollView("scrollview-light.png");
 }
 
 TEST(TreeScreenshot, ScrollViewWithTallContentInTheDarkPalette) {
-    DarkPalette dark;
-    ShootScrollView(QStringLiteral("scrollview-dark.png"));
+    const testsupport::ScopedDarkPalette dark;
+    ShootScrollView("scrollview-dark.png");
 }
 
 }  // namespace

@@ -41,7 +41,9 @@ boost::intrusive_ptr<UI_MultiColumnTree> MakeTree(const std::shared_ptr<Recorder
         }));
 }
 
-QTreeView* ViewOf(UI_MultiColumnTree& tree) { return qobject_cast<QTreeView*>(tree.GetWidget()); }
+QTreeView* ViewOf(UI_MultiColumnTree& tree) {
+    return qobject_cast<QTreeView*>(tree.GetWidget());
+}
 
 // A double click as the platform delivers it: press, release, double click, release.
 void DoubleClick(QWidget* widget, QPoint position) {
@@ -352,9 +354,8 @@ TEST_F(TreeTest, ChildrenFetchedWhenARowOpensShowUnderItEvenAfterItsPlaceholderW
     UI_TreeRow* folder = nullptr;
     UI_TreeRow* placeholder = nullptr;
     std::vector<UI_TreeRow*> fetched;
-    tree = boost::intrusive_ptr<UI_MultiColumnTree>(new UI_MultiColumnTree(
-        {}, {},
-        [&](UI_TreeRow* row, bool opened) {
+    tree = boost::intrusive_ptr<UI_MultiColumnTree>(
+        new UI_MultiColumnTree({}, {}, [&](UI_TreeRow* row, bool opened) {
             if (!opened || row != folder || !placeholder) {
                 return;
             }
@@ -374,8 +375,8 @@ TEST_F(TreeTest, ChildrenFetchedWhenARowOpensShowUnderItEvenAfterItsPlaceholderW
 
     ASSERT_EQ(fetched.size(), 3u);
     EXPECT_TRUE(folder->IsOpen());
-    EXPECT_EQ(tree->GetVisibleRows(), (std::vector<UI_TreeRow*>{folder, fetched[0], fetched[1],
-                                                                fetched[2]}));
+    EXPECT_EQ(tree->GetVisibleRows(),
+              (std::vector<UI_TreeRow*>{folder, fetched[0], fetched[1], fetched[2]}));
 }
 
 TEST_F(TreeTest, RemovingARowKeepsOtherRowsOpenAndSelected) {

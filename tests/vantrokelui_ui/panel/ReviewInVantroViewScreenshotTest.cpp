@@ -3,14 +3,11 @@
 // and presets chosen, and a new link. Checks what a picture can prove: the section is exactly
 // as tall as the screen asks, the bottom margin is empty background, and the Share button is
 // drawn on the popup's row at the column's right edge.
-#include <filesystem>
+#include <optional>
 #include <string>
 #include <tuple>
 
 #include <QApplication>
-#include <QImage>
-#include <QPalette>
-#include <QStyle>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -21,6 +18,7 @@
 #include <vantrokelui/sharedui/WorkflowSectionView.h>
 
 #include "ReviewInVantroViewFixture.h"
+#include "support/qt/Screenshots.h"
 
 namespace vantrokelui::view::testing {
 namespace {
@@ -41,38 +39,15 @@ std::string Name(ScreenState state) {
     return "unknown";
 }
 
-QPalette DarkPalette() {
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(43, 43, 43));
-    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::AlternateBase, QColor(50, 50, 50));
-    dark.setColor(QPalette::Text, QColor(230, 230, 230));
-    dark.setColor(QPalette::Button, QColor(60, 60, 60));
-    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Highlight, QColor(38, 127, 235));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(90, 160, 245));
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
-    return dark;
-}
-
 class ReviewInVantroViewScreenshotTest
     : public ReviewInVantroViewFixture,
-      public ::testing::WithParamInterface<std::tuple<ScreenState, bool, int>> {
-protected:
-    void TearDown() override {
-        QApplication::setPalette(QApplication::style()->standardPalette());
-        ReviewInVantroViewFixture::TearDown();
-    }
-};
+      public ::testing::WithParamInterface<std::tuple<ScreenState, bool, int>> {};
 
 TEST_P(ReviewInVantroViewScreenshotTest, TheScreenInsideThePopupsSection) {
     const auto [state, dark, ratio] = GetParam();
+    std::optional<testsupport::ScopedDarkPalette> darkPalette;
     if (dark) {
-        QApplication::setPalette(DarkPalette());
+        darkPalette.emplace();
     }
     viewModel->SetIsLoggedIn(true);
     viewModel->SetIsNetworkConnected(true);
@@ -103,26 +78,15 @@ TEST_P(ReviewInVantroViewScreenshotTest, TheScreenInsideThePopupsSection) {
     ASSERT_EQ(size, (PointT<float>{screenSize.x + 2.0f, screenSize.y + 2.0f}));
     main->UI_SetLocalRectF({0.0f, 0.0f, size.x, size.y});
     QWidget* widget = main->GetWidget();
-    widget->setAttribute(Qt::WA_DontShowOnScreen, true);
-    widget->show();
+    testsupport::ShowOffscreen(*widget);
     Pump();
 
-    QImage image(static_cast<int>(size.x) * ratio, static_cast<int>(size.y) * ratio,
-                 QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    widget->render(&image);
+    const QImage image = testsupport::RenderWidget(*widget, ratio);
 
     const std::string file = "review-in-vantro-" + Name(state) + "-" +
                              std::string(dark ? "dark" : "light") + "@" + std::to_string(ratio) +
                              "x.png";
-    const auto directory = std::filesystem::path(VANTRO_TEST_OUTPUT_DIR) / "screenshots";
-    std::filesystem::create_directories(directory);
-    ASSERT_TRUE(image.save(QString::fromStdString((directory / file).string())));
-    const std::filesystem::path shots("/tmp/keluiqt-shots/panel");
-    std::filesystem::create_directories(shots);
-    std::filesystem::copy_file(directory / file, shots / file,
-                               std::filesystem::copy_options::overwrite_existing);
+    ASSERT_TRUE(testsupport::SaveScreenshot(image, "panel", file));
 
     // The section (at 1, 1 inside the main view) is filled with palette gray 1; the bottom
     // margin under the Share button holds nothing else.

@@ -3,13 +3,10 @@
 // to look at, and checks what a picture can prove: the section's background under the screen and
 // the link drawn in the theme's link colour.
 #include <cstdlib>
-#include <filesystem>
+#include <optional>
 #include <string>
 
 #include <QApplication>
-#include <QImage>
-#include <QPalette>
-#include <QStyle>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -22,6 +19,7 @@
 #include <vantrokelui/view/EncodingProgressView.h>
 
 #include "ProgressViewFixture.h"
+#include "support/qt/Screenshots.h"
 
 namespace vantrokelui::view {
 namespace {
@@ -29,24 +27,6 @@ namespace {
 using kelcore::geom::RectT;
 using testing::ProgressViewFixture;
 using testing::ViewID;
-
-QPalette DarkPalette() {
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(43, 43, 43));
-    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::AlternateBase, QColor(50, 50, 50));
-    dark.setColor(QPalette::Text, QColor(230, 230, 230));
-    dark.setColor(QPalette::Button, QColor(60, 60, 60));
-    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Highlight, QColor(38, 127, 235));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(90, 160, 245));
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
-    return dark;
-}
 
 enum class Screen { EndClean, EndModified, EndModifiedOffline, Queued, Uploading };
 
@@ -105,11 +85,6 @@ const boost::intrusive_ptr<kelui::controls::UI_HotTextURL>& LinkTextOf(PopupBase
 class ProgressScreenshotTest : public ProgressViewFixture,
                                public ::testing::WithParamInterface<std::tuple<Screen, bool, int>> {
 protected:
-    void TearDown() override {
-        QApplication::setPalette(QApplication::style()->standardPalette());
-        ProgressViewFixture::TearDown();
-    }
-
     /// The screen for `screen`, with the view model in the state it shows.
     boost::intrusive_ptr<PopupBaseView> MakeScreen(Screen screen) {
         viewModel->SetAssetTypeIcon(
@@ -143,8 +118,9 @@ protected:
 
 TEST_P(ProgressScreenshotTest, RendersTheScreenInThePopupsSection) {
     const auto [screen, dark, ratio] = GetParam();
+    std::optional<testsupport::ScopedDarkPalette> darkPalette;
     if (dark) {
-        QApplication::setPalette(DarkPalette());
+        darkPalette.emplace();
     }
     boost::intrusive_ptr<sharedui::WorkflowMainView> main(new sharedui::WorkflowMainView);
     main->UI_SetDrawSupplier(kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier());
@@ -160,25 +136,14 @@ TEST_P(ProgressScreenshotTest, RendersTheScreenInThePopupsSection) {
     const auto size = sharedui::GetRecommendedSize(main);
     main->UI_SetLocalRectF({0.0f, 0.0f, size.x, size.y});
     QWidget* widget = main->GetWidget();
-    widget->setAttribute(Qt::WA_DontShowOnScreen, true);
-    widget->show();
+    testsupport::ShowOffscreen(*widget);
     Pump();
 
-    QImage image(static_cast<int>(size.x) * ratio, static_cast<int>(size.y) * ratio,
-                 QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    widget->render(&image);
+    const QImage image = testsupport::RenderWidget(*widget, ratio);
 
     const std::string file =
         NameOf(screen) + "-" + (dark ? "dark" : "light") + "@" + std::to_string(ratio) + "x.png";
-    const auto directory = std::filesystem::path(VANTRO_TEST_OUTPUT_DIR) / "screenshots";
-    std::filesystem::create_directories(directory);
-    ASSERT_TRUE(image.save(QString::fromStdString((directory / file).string())));
-    const std::filesystem::path shots = "/tmp/keluiqt-shots/progress";
-    std::filesystem::create_directories(shots);
-    std::filesystem::copy_file(directory / file, shots / file,
-                               std::filesystem::copy_options::overwrite_existing);
+    ASSERT_TRUE(testsupport::SaveScreenshot(image, "progress", file));
 
     const auto theme = main->UI_GetDrawSupplier()->GetTheme();
     // Left of the column, between the label and the link row, lies the section's background.

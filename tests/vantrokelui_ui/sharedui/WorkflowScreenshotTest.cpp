@@ -1,12 +1,9 @@
 // Renders a workflow's main view with two sections and a header label with its menu to PNG
 // files (light and dark, at device pixel ratio 1 and 2), for people to look at, and checks what
 // a picture can prove: the section background and the border lines are where the layout says.
-#include <filesystem>
+#include <optional>
 
 #include <QApplication>
-#include <QImage>
-#include <QPalette>
-#include <QStyle>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -23,6 +20,7 @@
 #include <vantrokelui/view/WorkflowLabel.h>
 
 #include "support/qt/QtMainThreadFixture.h"
+#include "support/qt/Screenshots.h"
 
 namespace vantrokelui::sharedui {
 namespace {
@@ -74,37 +72,14 @@ public:
     boost::intrusive_ptr<kelui::controls::UI_ProgressBar> progress;
 };
 
-QPalette DarkPalette() {
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(43, 43, 43));
-    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::AlternateBase, QColor(50, 50, 50));
-    dark.setColor(QPalette::Text, QColor(230, 230, 230));
-    dark.setColor(QPalette::Button, QColor(60, 60, 60));
-    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Highlight, QColor(38, 127, 235));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(90, 160, 245));
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
-    return dark;
-}
-
 class WorkflowScreenshotTest : public testsupport::QtMainThreadFixture,
-                               public ::testing::WithParamInterface<std::tuple<bool, int>> {
-protected:
-    void TearDown() override {
-        QApplication::setPalette(QApplication::style()->standardPalette());
-        QtMainThreadFixture::TearDown();
-    }
-};
+                               public ::testing::WithParamInterface<std::tuple<bool, int>> {};
 
 TEST_P(WorkflowScreenshotTest, TwoSectionsAndALabelWithItsMenu) {
     const auto [dark, ratio] = GetParam();
+    std::optional<testsupport::ScopedDarkPalette> darkPalette;
     if (dark) {
-        QApplication::setPalette(DarkPalette());
+        darkPalette.emplace();
     }
     boost::intrusive_ptr<WorkflowMainView> main(new WorkflowMainView);
     main->UI_SetDrawSupplier(kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier());
@@ -121,21 +96,14 @@ TEST_P(WorkflowScreenshotTest, TwoSectionsAndALabelWithItsMenu) {
     ASSERT_EQ(size, (PointT<float>{342.0f, 263.0f}));
     main->UI_SetLocalRectF({0.0f, 0.0f, size.x, size.y});
     QWidget* widget = main->GetWidget();
-    widget->setAttribute(Qt::WA_DontShowOnScreen, true);
-    widget->show();
+    testsupport::ShowOffscreen(*widget);
     Pump();
 
-    QImage image(static_cast<int>(size.x) * ratio, static_cast<int>(size.y) * ratio,
-                 QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    widget->render(&image);
+    const QImage image = testsupport::RenderWidget(*widget, ratio);
 
-    const auto directory = std::filesystem::path(VANTRO_TEST_OUTPUT_DIR) / "screenshots";
-    std::filesystem::create_directories(directory);
-    const auto file = directory / ("workflow-" + std::string(dark ? "dark" : "light") + "@" +
-                                   std::to_string(ratio) + "x.png");
-    ASSERT_TRUE(image.save(QString::fromStdString(file.string())));
+    const std::string file =
+        "workflow-" + std::string(dark ? "dark" : "light") + "@" + std::to_string(ratio) + "x.png";
+    ASSERT_TRUE(testsupport::SaveScreenshot(image, "sharedui", file));
 
     // The section is filled with palette gray 1; the 1-pixel gaps carry the border in gray 4.
     const auto theme = main->UI_GetDrawSupplier()->GetTheme();

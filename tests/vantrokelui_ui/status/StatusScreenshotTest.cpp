@@ -1,15 +1,12 @@
 // Renders each status screen as the popup shows it (inside a workflow's main view and section),
 // light and dark, at device pixel ratio 1 and 2, to PNG files for people to look at, and checks
 // what a picture can prove: the screen's texts are drawn, and its bottom margin is empty.
-#include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <tuple>
 
 #include <QApplication>
-#include <QImage>
-#include <QPalette>
-#include <QStyle>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -26,6 +23,7 @@
 #include <vantrokelui/view/StorageLimitExceededView.h>
 
 #include "StatusViewFixture.h"
+#include "support/qt/Screenshots.h"
 
 namespace vantrokelui::view::testing {
 namespace {
@@ -60,24 +58,6 @@ std::string ScreenName(Screen screen) {
     return "Unknown";
 }
 
-QPalette DarkPalette() {
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(43, 43, 43));
-    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::AlternateBase, QColor(50, 50, 50));
-    dark.setColor(QPalette::Text, QColor(230, 230, 230));
-    dark.setColor(QPalette::Button, QColor(60, 60, 60));
-    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Highlight, QColor(38, 127, 235));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(90, 160, 245));
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
-    return dark;
-}
-
 /// Whether any pixel of `rect` (in view pixels of a picture at `ratio`) differs from `colour`.
 bool AnyPixelDiffers(const QImage& image, const RectT<float>& rect, int ratio, QRgb colour) {
     const QRect area =
@@ -97,11 +77,6 @@ bool AnyPixelDiffers(const QImage& image, const RectT<float>& rect, int ratio, Q
 class StatusScreenshotTest : public StatusViewFixture,
                              public ::testing::WithParamInterface<std::tuple<Screen, bool, int>> {
 protected:
-    void TearDown() override {
-        QApplication::setPalette(QApplication::style()->standardPalette());
-        StatusViewFixture::TearDown();
-    }
-
     boost::intrusive_ptr<PopupBaseView> MakeScreen(Screen screen) {
         switch (screen) {
             case Screen::NoAssetProcessor:
@@ -158,8 +133,9 @@ protected:
 
 TEST_P(StatusScreenshotTest, TheScreenAsThePopupShowsIt) {
     const auto [which, dark, ratio] = GetParam();
+    std::optional<testsupport::ScopedDarkPalette> darkPalette;
     if (dark) {
-        QApplication::setPalette(DarkPalette());
+        darkPalette.emplace();
     }
     viewModel->SetAssetTypeIcon(
         sharedui::BindImageSupplyFunction("S_Sequence_16", &sharedui::GetResourceManager));
@@ -182,26 +158,15 @@ TEST_P(StatusScreenshotTest, TheScreenAsThePopupShowsIt) {
     const auto size = sharedui::GetRecommendedSize(main);
     main->UI_SetLocalRectF({0.0f, 0.0f, size.x, size.y});
     QWidget* widget = main->GetWidget();
-    widget->setAttribute(Qt::WA_DontShowOnScreen, true);
-    widget->show();
+    testsupport::ShowOffscreen(*widget);
     Pump();
     ASSERT_EQ(screen->UI_GetLocalRectF().width, 340.0f);
 
-    QImage image(static_cast<int>(size.x) * ratio, static_cast<int>(size.y) * ratio,
-                 QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    widget->render(&image);
+    const QImage image = testsupport::RenderWidget(*widget, ratio);
 
     const std::string name = "status-" + ScreenName(which) + "-" + (dark ? "dark" : "light") + "@" +
                              std::to_string(ratio) + "x.png";
-    const auto directory = std::filesystem::path(VANTRO_TEST_OUTPUT_DIR) / "screenshots";
-    std::filesystem::create_directories(directory);
-    ASSERT_TRUE(image.save(QString::fromStdString((directory / name).string())));
-    const std::filesystem::path shots("/tmp/keluiqt-shots/status");
-    std::filesystem::create_directories(shots);
-    std::filesystem::copy_file(directory / name, shots / name,
-                               std::filesystem::copy_options::overwrite_existing);
+    ASSERT_TRUE(testsupport::SaveScreenshot(image, "status", name));
 
     // The screen sits in the section at (1, 1) of the main view; its background is gray 1.
     const auto theme = main->UI_GetDrawSupplier()->GetTheme();

@@ -7,6 +7,8 @@
 
 #include <kelui/ui/WeakNodeFunction.h>
 
+#include "ScreenLayout.h"
+
 namespace vantrokelui::view {
 
 using kelcore::geom::PointT;
@@ -14,9 +16,9 @@ using kelcore::geom::RectT;
 
 namespace {
 
-constexpr float kViewWidth = 340.0f;
-constexpr float kColumnLeft = 15.0f;
-constexpr float kLabelTop = 10.0f;
+using detail::kColumnLeft;
+using detail::kViewWidth;
+
 // From the label's top to the row below it: the label's top margin and the gap under it.
 constexpr float kGapBelowLabel = 20.0f;
 constexpr float kOfflineGap = 10.0f;
@@ -108,9 +110,7 @@ void CopyLinkSectionView::UI_SetLocalRectF(const RectT<float>& rect) {
     if (!UI_GetDrawSupplier()) {
         return;
     }
-    const PointT<float> label = sharedui::GetRecommendedSize(workflowLabel);
-    workflowLabel->UI_SetLocalRectF({kColumnLeft, kLabelTop, label.x, label.y});
-    const float y = label.y + kGapBelowLabel;
+    const float y = detail::PlaceWorkflowLabel(workflowLabel) + kGapBelowLabel;
 
     const PointT<float> offline = sharedui::GetRecommendedSize(offlineSection);
     if (isOffline) {
@@ -120,8 +120,7 @@ void CopyLinkSectionView::UI_SetLocalRectF(const RectT<float>& rect) {
     }
 
     const float y2 = isOffline ? y + offline.y + kOfflineGap : y;
-    const PointT<float> row = sharedui::GetRecommendedSize(copyLinkSection);
-    copyLinkSection->UI_SetLocalRectF({kColumnLeft, y2, row.x, row.y});
+    const PointT<float> row = detail::PlaceInColumn(copyLinkSection, y2);
 
     // Across the whole width: the strip's own margin of 15 keeps its parts in the column.
     updateContentView->UI_SetLocalRectF(

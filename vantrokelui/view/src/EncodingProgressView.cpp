@@ -18,6 +18,8 @@
 
 #include <kelui/ui/WeakNodeFunction.h>
 
+#include "ScreenLayout.h"
+
 namespace vantrokelui::view {
 
 using kelcore::geom::PointT;
@@ -26,19 +28,19 @@ using kelcore::string::string;
 
 namespace {
 
-constexpr float kViewWidth = 340.0f;
+using detail::kBottomMargin;
+using detail::kColumnLeft;
+using detail::kColumnRight;
+using detail::kColumnWidth;
+using detail::kViewWidth;
+
 constexpr float kViewHeight = 149.0f;
-constexpr float kColumnLeft = 15.0f;
-constexpr float kColumnWidth = 310.0f;
-constexpr float kColumnRight = kColumnLeft + kColumnWidth;
-constexpr float kLabelTop = 10.0f;
 // From the label's top to the link row: the label's top margin and the gap under it.
 constexpr float kGapBelowLabel = 20.0f;
 constexpr float kGapBelowLink = 10.0f;
 constexpr float kSpeedToTimeGap = 10.0f;
 constexpr float kGapAboveBar = 4.0f;
 constexpr float kClassicBarHeight = 12.0f;
-constexpr float kBottomMargin = 15.0f;
 // Cancel stands one pixel in from the column's right edge.
 constexpr float kCancelInset = 1.0f;
 
@@ -227,16 +229,11 @@ void EncodingProgressView::UI_SetLocalRectF(const RectT<float>& rect) {
     if (!UI_GetDrawSupplier()) {
         return;
     }
-    const PointT<float> label = sharedui::GetRecommendedSize(workflowLabel);
-    workflowLabel->UI_SetLocalRectF({kColumnLeft, kLabelTop, label.x, label.y});
-    const float y = label.y + kGapBelowLabel;
-
-    const PointT<float> row = sharedui::GetRecommendedSize(copyLinkSection);
-    copyLinkSection->UI_SetLocalRectF({kColumnLeft, y, row.x, row.y});
+    const float y = detail::PlaceWorkflowLabel(workflowLabel) + kGapBelowLabel;
+    const PointT<float> row = detail::PlaceInColumn(copyLinkSection, y);
     const float y2 = y + row.y + kGapBelowLink;
 
-    const PointT<float> status = sharedui::GetRecommendedSize(statusText);
-    statusText->UI_SetLocalRectF({kColumnLeft, y2, status.x, status.y});
+    const PointT<float> status = detail::PlaceInColumn(statusText, y2);
     const PointT<float> time = sharedui::GetRecommendedSize(timeLeftText);
     timeLeftText->UI_SetLocalRectF({kColumnRight - time.x, y2, time.x, time.y});
     const PointT<float> speed = sharedui::GetRecommendedSize(speedText);

@@ -34,8 +34,7 @@ void OfflineView::UI_SetLocalRectF(const RectT<float>& rect) {
     if (!UI_GetDrawSupplier()) {
         return;
     }
-    const PointT<float> label = sharedui::GetRecommendedSize(workflowLabel);
-    workflowLabel->UI_SetLocalRectF({detail::kColumnLeft, detail::kLabelTop, label.x, label.y});
+    detail::PlaceWorkflowLabel(workflowLabel);
     const PointT<float> section = sharedui::GetRecommendedSize(offlineSection);
     offlineSection->UI_SetLocalRectF({detail::kColumnLeft,
                                       rect.height - section.y - detail::kBottomMargin, section.x,

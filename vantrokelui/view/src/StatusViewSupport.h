@@ -11,16 +11,9 @@
 #include <kelcore/string/String.h>
 #include <kelui/ui/UI_WeakNodePtr.h>
 
-namespace vantrokelui::view::detail {
+#include "ScreenLayout.h"
 
-// The panel's geometry: a 340-wide view with its content in a column from x = 15 to x = 325,
-// the header row at (15, 10) and a bottom margin of 15.
-inline constexpr float kViewWidth = 340.0f;
-inline constexpr float kColumnLeft = 15.0f;
-inline constexpr float kColumnWidth = 310.0f;
-inline constexpr float kColumnRight = kColumnLeft + kColumnWidth;
-inline constexpr float kLabelTop = 10.0f;
-inline constexpr float kBottomMargin = 15.0f;
+namespace vantrokelui::view::detail {
 
 /// The localised text of `keyWithDefault` ("$$$/...=Default").
 inline kelcore::string::string Localized(std::string_view keyWithDefault) {
