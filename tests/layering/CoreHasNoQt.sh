@@ -18,28 +18,27 @@ if grep -i 'libQt' <<<"$needed"; then
     status=1
 fi
 
-# Headers that only the toolkit's Qt side has.
-qt_side_headers=()
+# Headers that only the toolkit's Qt side has, as the include lines that would name them.
+patterns=$(mktemp)
+trap 'rm -f "$patterns"' EXIT
 for dir in "$@"; do
-    while IFS= read -r header; do
-        qt_side_headers+=("$header")
-    done < <(cd "$dir" && find . -name '*.h' | sed 's|^\./||')
+    (cd "$dir" && find . -name '*.h' | sed -e 's|^\./|#include <|' -e 's|$|>|') >> "$patterns"
 done
 
+core_files=()
 for area in model utility nodes viewmodel; do
     while IFS= read -r file; do
-        if grep -nE '^\s*#\s*include\s*[<"]Q[A-Za-z]*[>"/]' "$file"; then
-            echo "FAIL: $file includes Qt" >&2
-            status=1
-        fi
-        for header in "${qt_side_headers[@]}"; do
-            if grep -nF "#include <$header>" "$file"; then
-                echo "FAIL: $file includes the toolkit's Qt side ($header)" >&2
-                status=1
-            fi
-        done
+        core_files+=("$file")
     done < <(find "$sources/$area" -name '*.h' -o -name '*.cpp')
 done
+if grep -nE '^\s*#\s*include\s*[<"]Q[A-Za-z]*[>"/]' "${core_files[@]}"; then
+    echo "FAIL: the core includes Qt (above)" >&2
+    status=1
+fi
+if grep -nF -f "$patterns" "${core_files[@]}"; then
+    echo "FAIL: the core includes the toolkit's Qt side (above)" >&2
+    status=1
+fi
 
 if ((status == 0)); then
     echo "the core loads no Qt and includes none"
