@@ -18,6 +18,7 @@
 #include <kelui/controls/UI_ProgressBar.h>
 #include <kelui/controls/UI_StaticText.h>
 #include <kelui/controls/UI_TextButton.h>
+#include <vantrokelui/model/EncodingStatus.h>
 #include <vantrokelui/view/CopyLinkSection.h>
 #include <vantrokelui/view/PopupBaseView.h>
 #include <vantrokelui/view/WorkflowLabel.h>
@@ -74,6 +75,10 @@ private:
     void OnSpeedChanged(double speed);
     /// Cancels the active job and closes the panel.
     void OnCancelClicked();
+    /// Moves the open panel to the stage's screen (queued 11, encoding 12, encoded or uploading
+    /// 13), so the progress screen follows the share while it stays open; a new screen reads the
+    /// stage's text. Other statuses are the pipeline's to answer.
+    void OnEncodingStatusChanged(EncodingStatus status);
     /// Lays the children out again at the present size.
     void ApplyLayout();
 

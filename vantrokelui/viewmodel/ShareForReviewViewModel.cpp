@@ -134,7 +134,8 @@ ShareForReviewViewModel::ShareForReviewViewModel(const ShareForReviewViewModel& 
     assetProcessorInstalled = other.assetProcessorInstalled;
     locationPickerMode = other.locationPickerMode;
     locationPickerCallback = other.locationPickerCallback;
-    currentViewIDMessagesEnabled.store(other.currentViewIDMessagesEnabled.load());
+    const std::lock_guard gate(other.viewIDGateMutex);
+    currentViewIDMessagesEnabled = other.currentViewIDMessagesEnabled;
 }
 
 ShareForReviewViewModel::~ShareForReviewViewModel() = default;
@@ -214,7 +215,7 @@ void ShareForReviewViewModel::SetNetworkConnectionMonitor(const MonitorFactory& 
 // ---- the panel's life -----------------------------------------------------------------------
 
 void ShareForReviewViewModel::StartShareForReviewPopup() {
-    currentViewIDMessagesEnabled.store(true);
+    EnableCurrentViewIDMessages(true);
     SetEncodingStatus(EncodingStatus::None);
     SetEncodingProgress(0.0);
     SetProcessingRemainingTime(0.0);
@@ -238,7 +239,8 @@ void ShareForReviewViewModel::StartShareForReviewPopup() {
 }
 
 void ShareForReviewViewModel::EnableCurrentViewIDMessages(bool enabled) {
-    currentViewIDMessagesEnabled.store(enabled);
+    const std::lock_guard gate(viewIDGateMutex);
+    currentViewIDMessagesEnabled = enabled;
 }
 
 void ShareForReviewViewModel::StartShareForReviewMainWorkflow(bool loggedIn) {
@@ -299,11 +301,13 @@ void ShareForReviewViewModel::SetSharePropertiesForCurrentActiveSequence() {
 void ShareForReviewViewModel::SetCurrentViewID(ShareForReviewViewID id) {
     // While the gate is shut a change is dropped, not stored: a late write by the pipeline
     // cannot reopen a closed panel.
-    if (currentViewIDMessagesEnabled.load()) {
+    // SetValue stores and queues its deliveries; it calls nothing under the gate.
+    const std::lock_guard gate(viewIDGateMutex);
+    if (currentViewIDMessagesEnabled) {
         CurrentViewIDNotifyingProperty::SetValue(id);
     }
     if (id == ShareForReviewViewID::None) {
-        currentViewIDMessagesEnabled.store(false);
+        currentViewIDMessagesEnabled = false;
     }
 }
 

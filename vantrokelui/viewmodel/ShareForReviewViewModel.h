@@ -181,8 +181,11 @@ private:
     std::function<bool()> assetProcessorInstalled;
     std::int32_t locationPickerMode = 0;      // 0 panel, 1 dialog; main thread
     LocationCallback locationPickerCallback;  // main thread
-    // Written on the main thread, read by every writer of the view id on any thread.
-    std::atomic<bool> currentViewIDMessagesEnabled{true};
+    // Written on the main thread, read by every writer of the view id on any thread. One mutex
+    // holds the check, the store and the closing together, so a writer on another thread that
+    // passed the gate cannot store its view after a 0 has closed the panel.
+    mutable std::mutex viewIDGateMutex;
+    bool currentViewIDMessagesEnabled = true;  // under viewIDGateMutex
 };
 
 }  // namespace vantrokelui::viewmodel

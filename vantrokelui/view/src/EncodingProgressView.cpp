@@ -161,6 +161,8 @@ EncodingProgressView::EncodingProgressView(
         kelui::ui::WeakNodeFunction(this, &EncodingProgressView::OnRemainingTimeChanged)));
     bindings.push_back(viewModel->AddUploadingSpeedBinding(
         kelui::ui::WeakNodeFunction(this, &EncodingProgressView::OnSpeedChanged)));
+    bindings.push_back(viewModel->AddEncodingStatusBinding(
+        kelui::ui::WeakNodeFunction(this, &EncodingProgressView::OnEncodingStatusChanged)));
 
     UI_Show(true);
 }
@@ -214,6 +216,31 @@ void EncodingProgressView::OnSpeedChanged(double speed) {
 void EncodingProgressView::OnCancelClicked() {
     model::CancelActiveProcessingJob();
     viewModel->SetCurrentViewID(ShareForReviewViewID::None);
+}
+
+void EncodingProgressView::OnEncodingStatusChanged(EncodingStatus status) {
+    ShareForReviewViewID stage;
+    switch (status) {
+        case EncodingStatus::Queued:
+            stage = ShareForReviewViewID::EncodingQueued;
+            break;
+        case EncodingStatus::Encoding:
+            stage = ShareForReviewViewID::EncodingProgress;
+            break;
+        case EncodingStatus::Encoded:
+        case EncodingStatus::Uploading:
+            stage = ShareForReviewViewID::UploadProgress;
+            break;
+        default:
+            return;
+    }
+    const ShareForReviewViewID current = viewModel->GetCurrentViewID();
+    const bool onProgress = current == ShareForReviewViewID::EncodingQueued ||
+                            current == ShareForReviewViewID::EncodingProgress ||
+                            current == ShareForReviewViewID::UploadProgress;
+    if (onProgress && stage != current) {
+        viewModel->SetCurrentViewID(stage);
+    }
 }
 
 void EncodingProgressView::ApplyLayout() {
