@@ -1,5 +1,7 @@
 #include "PanelFlowFixture.h"
 
+#include "support/qt/Screenshots.h"
+
 #include <cstdio>
 #include <set>
 
@@ -31,7 +33,7 @@ void PanelFlowFixture::Shoot(const std::string& step, bool dark, int ratio) {
     ASSERT_NE(window, nullptr) << "no popup to render for " << step;
     ASSERT_TRUE(PopupShown()) << "the popup is hidden at " << step;
     if (dark) {
-        QApplication::setPalette(DarkPalette());
+        QApplication::setPalette(testsupport::DarkPalette());
     }
     SettlePanel();
     QImage image(window->size() * ratio, QImage::Format_ARGB32_Premultiplied);
@@ -65,24 +67,6 @@ void PanelFlowFixture::Shoot(const std::string& step, bool dark, int ratio) {
         }
     }
     EXPECT_GE(colours.size(), 3u) << name << " is blank";
-}
-
-QPalette DarkPalette() {
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(43, 43, 43));
-    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::AlternateBase, QColor(50, 50, 50));
-    dark.setColor(QPalette::Text, QColor(230, 230, 230));
-    dark.setColor(QPalette::Button, QColor(60, 60, 60));
-    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Highlight, QColor(38, 127, 235));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(90, 160, 245));
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
-    return dark;
 }
 
 void SetStorageUsed(const std::filesystem::path& dataDir, const std::string& account,

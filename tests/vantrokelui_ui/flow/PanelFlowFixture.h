@@ -255,8 +255,6 @@ protected:
     std::shared_ptr<ShareForReviewScreenManager> screens;
 };
 
-/// A desktop in dark mode: the palette's window colour is dark.
-QPalette DarkPalette();
 
 /// Makes `account`'s storage in use `used` bytes in the service's database. The service never
 /// lets the usage pass the limit itself; a plan lowered under the usage is what this stands for.

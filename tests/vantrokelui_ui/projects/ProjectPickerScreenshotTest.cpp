@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/qt/Screenshots.h"
+
 #include <kelui/ui/QtConversions.h>
 #include <vantrokelui/sharedui/Measuring.h>
 #include <vantrokelui/sharedui/WorkflowMainView.h>
@@ -28,24 +30,6 @@ namespace {
 
 using kelcore::geom::PointT;
 
-QPalette DarkPalette() {
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(43, 43, 43));
-    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::AlternateBase, QColor(50, 50, 50));
-    dark.setColor(QPalette::Text, QColor(230, 230, 230));
-    dark.setColor(QPalette::Button, QColor(60, 60, 60));
-    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-    dark.setColor(QPalette::Highlight, QColor(38, 127, 235));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(90, 160, 245));
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(120, 120, 120));
-    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
-    return dark;
-}
-
 class ProjectPickerScreenshotTest : public LocationPickerFixture,
                                     public ::testing::WithParamInterface<std::tuple<bool, int>> {
 protected:
@@ -58,7 +42,7 @@ protected:
 TEST_P(ProjectPickerScreenshotTest, TheProjectStepInsideThePopupsSection) {
     const auto [dark, ratio] = GetParam();
     if (dark) {
-        QApplication::setPalette(DarkPalette());
+        QApplication::setPalette(testsupport::DarkPalette());
     }
     tree.user->SetSelection(tree.spring.folder);
     tree.user->SetProposedAccount(tree.studio);
