@@ -112,9 +112,12 @@ TEST(UI_Node, DrawSupplierComesFromTheNearestAncestorThatHasOne) {
     auto child = Make<UI_SubView>();
     root->ChildPushBack(child);
     EXPECT_EQ(child->UI_GetDrawSupplier(), nullptr);
-    auto supplier = kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
+    EXPECT_EQ(child->UI_GetDrawSupplierOrDefault(),
+              kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier());
+    auto supplier = std::make_shared<limner::WidgetDrawingSupplier>(kelui::skins::Theme{});
     root->UI_SetDrawSupplier(supplier);
     EXPECT_EQ(child->UI_GetDrawSupplier(), supplier);
+    EXPECT_EQ(child->UI_GetDrawSupplierOrDefault(), supplier);
 }
 
 }  // namespace

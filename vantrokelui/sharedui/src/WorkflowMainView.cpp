@@ -13,10 +13,7 @@ WorkflowMainView::WorkflowMainView() {
 
 void WorkflowMainView::UI_Draw(limner::Limner& limner) {
     UI_Node::UI_Draw(limner);
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     limner::Path path = supplier->CreatePath();
     for (const auto& child : GetChildren()) {
         const auto rect = child->UI_GetLocalRectF();

@@ -19,10 +19,7 @@ WorkflowSectionView::WorkflowSectionView(
 }
 
 void WorkflowSectionView::UI_Draw(limner::Limner& limner) {
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     const auto rect = UI_GetLocalRectF();
     limner.FillRect({0.0f, 0.0f, rect.width, rect.height},
                     kelui::skins::GetPaletteGrayColor(supplier->GetTheme(), 1));

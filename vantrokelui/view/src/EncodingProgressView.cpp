@@ -100,10 +100,7 @@ string StatusTextFor(ShareForReviewViewID id) {
 }
 
 std::shared_ptr<limner::WidgetDrawingSupplier> SupplierOf(const kelui::ui::UI_Node& node) {
-    if (auto supplier = node.UI_GetDrawSupplier()) {
-        return supplier;
-    }
-    return kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
+    return node.UI_GetDrawSupplierOrDefault();
 }
 
 }  // namespace

@@ -22,10 +22,7 @@ using kelcore::geom::PointT;
 using kelcore::geom::RectT;
 
 kelui::skins::Theme ThemeOf(const kelui::ui::UI_Node& node) {
-    auto supplier = node.UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = node.UI_GetDrawSupplierOrDefault();
     return supplier ? supplier->GetTheme() : kelui::skins::Theme{};
 }
 

@@ -31,10 +31,7 @@ constexpr float kIconSize = 16.0f;
 constexpr float kIconTextGap = 5.0f;
 
 kelui::skins::Theme ThemeOf(const kelui::ui::UI_Node& node) {
-    auto supplier = node.UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = node.UI_GetDrawSupplierOrDefault();
     return supplier ? supplier->GetTheme() : kelui::skins::Theme{};
 }
 

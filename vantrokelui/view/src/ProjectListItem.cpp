@@ -33,10 +33,7 @@ constexpr float kNameX = 26.01f;
 constexpr float kHighlightRadius = 2.0f;
 
 kelui::skins::Theme ThemeOf(const kelui::ui::UI_Node& node) {
-    auto supplier = node.UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = node.UI_GetDrawSupplierOrDefault();
     return supplier->GetTheme();
 }
 

@@ -56,10 +56,7 @@ void UpdateContentView::OnUpdateClicked() {
 }
 
 float UpdateContentView::GetTextHeight() const {
-    auto supplier = notifyingText->UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = kelui::ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = notifyingText->UI_GetDrawSupplierOrDefault();
     limner::FontDescription face = notifyingText->GetFontDescription();
     face.family = limner::ValidateFontName(face.family);
     return supplier->GetFont(face)->GetWrappedTextHeight(notifyingText->GetText(), kColumnWidth,

@@ -14,10 +14,7 @@ std::array<float, 4> OS_ViewContainer::GetScaleFactors() const {
 }
 
 void OS_ViewContainer::UI_Draw(limner::Limner& limner) {
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     const auto rect = UI_GetLocalRectF();
     limner.FillRect({0.0f, 0.0f, rect.width, rect.height},
                     skins::GetPaletteGrayColor(supplier->GetTheme(), 1));

@@ -155,10 +155,7 @@ PointT<float> UI_Button::UI_GetRecommendedSize(limner::Limner& measuring) {
 
 UI_Button::DrawState UI_Button::GetDrawState() const {
     DrawState state;
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     state.theme = supplier->GetTheme();
     if (const detail::ButtonWidget* widget = GetButtonWidget()) {
         state.enabled = widget->isEnabled();

@@ -16,10 +16,7 @@ void UI_Divider::UI_Draw(limner::Limner& limner) {
     if (rect.IsEmpty()) {
         return;
     }
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     // Centred, then moved onto a whole pixel of the widget: a line across two pixel rows would
     // look like a blurred two-pixel band.
     const float origin = GetOriginInWidget().y;

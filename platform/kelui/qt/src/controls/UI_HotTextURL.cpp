@@ -96,10 +96,7 @@ PointT<float> UI_HotTextURL::UI_GetRecommendedSize(limner::Limner& measuring) {
 }
 
 void UI_HotTextURL::UI_Draw(limner::Limner& limner) {
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     const skins::Theme theme = supplier->GetTheme();
     const detail::ButtonWidget* widget = GetLinkWidget();
     const bool enabled = widget && widget->isEnabled();

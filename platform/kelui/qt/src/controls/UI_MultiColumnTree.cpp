@@ -24,10 +24,7 @@ namespace {
 constexpr int kScrollAnimationMilliseconds = 180;
 
 skins::Theme ThemeOf(const ui::UI_Node& node) {
-    auto supplier = node.UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = node.UI_GetDrawSupplierOrDefault();
     return supplier->GetTheme();
 }
 

@@ -246,10 +246,7 @@ int UI_Popup::GetMenuMinimumWidth() const {
 }
 
 skins::Theme UI_Popup::GetTheme() const {
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     return supplier->GetTheme();
 }
 

@@ -19,8 +19,7 @@ using kelcore::geom::RectT;
 namespace {
 
 std::shared_ptr<limner::WidgetDrawingSupplier> SupplierOf(const ui::UI_Node& node) {
-    auto supplier = node.UI_GetDrawSupplier();
-    return supplier ? supplier : ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
+    return node.UI_GetDrawSupplierOrDefault();
 }
 
 }  // namespace

@@ -146,10 +146,7 @@ bool UI_TouchPopupContainer::OnWindowCloseRequested() {
 }
 
 skins::Theme UI_TouchPopupContainer::GetTheme() const {
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = ui::UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     return supplier->GetTheme();
 }
 

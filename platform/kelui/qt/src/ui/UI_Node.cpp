@@ -329,16 +329,18 @@ std::shared_ptr<limner::WidgetDrawingSupplier> UI_Node::UI_GetDrawSupplier() con
     return nullptr;
 }
 
+std::shared_ptr<limner::WidgetDrawingSupplier> UI_Node::UI_GetDrawSupplierOrDefault() const {
+    auto supplier = UI_GetDrawSupplier();
+    return supplier ? supplier : UI_NodeManager::Get(0).GetDefaultDrawSupplier();
+}
+
 void UI_Node::UI_SetDrawSupplier(std::shared_ptr<limner::WidgetDrawingSupplier> supplier) {
     drawSupplier = std::move(supplier);
 }
 
 void UI_Node::PaintWidget(QWidget& widget) {
     QPainter painter(&widget);
-    auto supplier = UI_GetDrawSupplier();
-    if (!supplier) {
-        supplier = UI_NodeManager::Get(0).GetDefaultDrawSupplier();
-    }
+    const auto supplier = UI_GetDrawSupplierOrDefault();
     limner::PainterLimner limner(painter, supplier->GetTheme());
     limner.Translate(originInWidget.x, originInWidget.y);
     UI_Draw(limner);

@@ -128,6 +128,9 @@ public:
     /// The supplier of this node or, failing that, of the nearest node above it that has one;
     /// null for a tree that no window, popup or dialog holds.
     std::shared_ptr<limner::WidgetDrawingSupplier> UI_GetDrawSupplier() const;
+    /// UI_GetDrawSupplier, or the toolkit's default supplier for a node outside any window, so
+    /// a node can measure and draw before it is on screen. Never null.
+    std::shared_ptr<limner::WidgetDrawingSupplier> UI_GetDrawSupplierOrDefault() const;
     /// Gives this node (and the nodes below it that have none of their own) a supplier.
     void UI_SetDrawSupplier(std::shared_ptr<limner::WidgetDrawingSupplier> supplier);
 
